@@ -1,0 +1,103 @@
+#pragma once
+
+#include "Platform/Audio.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace lorvane {
+
+/// One recognised word, with its place in the formatted string of its result.
+struct SpeechSegment {
+    qsizetype location = 0; ///< in UTF-16 units from the start of the formatted string
+    QString substring;
+    double timestamp = 0; ///< in seconds from the start of the request's audio
+    double duration = 0;  ///< in seconds
+};
+
+/// A whole snapshot of what a request has heard so far.
+struct SpeechResult {
+    QString formattedString;
+    QList<SpeechSegment> segments;
+    bool isFinal = false;
+};
+
+struct SpeechOptions {
+    bool reportPartialResults = true;
+    QStringList contextualStrings; ///< phrases to listen for
+    bool requiresOnDeviceRecognition = true;
+};
+
+/// Called on a thread of the recogniser's, any number of times, with a result, an error text fit to
+/// show, or both. It may still be called shortly after `SpeechTask::cancel`.
+using SpeechHandler =
+    std::function<void(const std::optional<SpeechResult> &, const std::optional<QString> &error)>;
+
+/// A running recognition. Destroying it cancels it. Main thread only.
+class SpeechTask {
+public:
+    SpeechTask() = default;
+    SpeechTask(const SpeechTask &) = delete;
+    SpeechTask &operator=(const SpeechTask &) = delete;
+    virtual ~SpeechTask() = default;
+
+    /// Abandons the recognition within 100 milliseconds; does not wait for that.
+    virtual void cancel() = 0;
+};
+
+/// A stream of live audio for a recogniser.
+class SpeechBufferRequest {
+public:
+    SpeechBufferRequest() = default;
+    SpeechBufferRequest(const SpeechBufferRequest &) = delete;
+    SpeechBufferRequest &operator=(const SpeechBufferRequest &) = delete;
+    virtual ~SpeechBufferRequest() = default;
+
+    /// Takes a buffer: cheap, without allocation, from the audio thread. What comes when the
+    /// request is over is dropped.
+    virtual void append(const AudioBuffer &buffer) = 0;
+};
+
+/// The recogniser of one language. Main thread only.
+class SpeechRecognizer {
+public:
+    SpeechRecognizer() = default;
+    SpeechRecognizer(const SpeechRecognizer &) = delete;
+    SpeechRecognizer &operator=(const SpeechRecognizer &) = delete;
+    virtual ~SpeechRecognizer() = default;
+
+    virtual QString localeIdentifier() const = 0;
+    virtual bool isAvailable() const = 0;
+    virtual bool supportsOnDeviceRecognition() const = 0;
+
+    /// A request for live audio of `format`, to be given to `recognize`.
+    virtual std::shared_ptr<SpeechBufferRequest> makeBufferRequest(const AudioFormat &format,
+                                                                   const SpeechOptions &options) = 0;
+
+    /// Recognises live audio until the task is cancelled.
+    virtual std::unique_ptr<SpeechTask> recognize(std::shared_ptr<SpeechBufferRequest> request,
+                                                  SpeechHandler handler) = 0;
+
+    /// Recognises a finished file of at most about 35 seconds.
+    virtual std::unique_ptr<SpeechTask> recognize(const QString &path, const SpeechOptions &options,
+                                                  SpeechHandler handler) = 0;
+};
+
+/// Makes recognisers. Main thread only.
+class Speech {
+public:
+    Speech() = default;
+    Speech(const Speech &) = delete;
+    Speech &operator=(const Speech &) = delete;
+    virtual ~Speech() = default;
+
+    /// The recogniser for a locale such as "en-AU", or none when there is none for its language.
+    virtual std::shared_ptr<SpeechRecognizer> makeRecognizer(const QString &localeIdentifier) = 0;
+};
+
+} // namespace lorvane
