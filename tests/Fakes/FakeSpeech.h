@@ -1,0 +1,180 @@
+#pragma once
+
+#include "Platform/Speech.h"
+
+#include <cassert>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+namespace lorvane {
+
+/// A recogniser that hears what the test says. Results are delivered by hand, on the thread that
+/// calls `give` or `fail`, and also after a cancel, as a real recogniser may do.
+class FakeSpeech : public Speech {
+public:
+    /// One recognition, live or of a file, as the program asked for it. It stays when it is over.
+    class Request {
+    public:
+        bool isLive = false;
+        QString localeIdentifier;
+        QString path;       ///< of a file request
+        AudioFormat format; ///< of a live request
+        SpeechOptions options;
+        bool isCancelled = false; ///< by `cancel` or because its task is gone
+
+        void give(const SpeechResult &result) const { deliver(result, {}); }
+        void fail(const QString &error) const { deliver({}, error); }
+        /// A callback that carries both.
+        void giveAndFail(const SpeechResult &result, const QString &error) const {
+            deliver(result, error);
+        }
+
+        /// The buffers that a live request was given, interleaved, in order. Any thread.
+        std::vector<std::vector<float>> buffers() const {
+            const std::lock_guard lock(mutex_);
+            return buffers_;
+        }
+
+    private:
+        friend class FakeSpeech;
+
+        void deliver(const std::optional<SpeechResult> &result,
+                     const std::optional<QString> &error) const {
+            const SpeechHandler handler = handler_;
+            assert(handler); // a live request that nobody has given to `recognize`
+            handler(result, error);
+        }
+
+        SpeechHandler handler_;
+        mutable std::mutex mutex_;
+        std::vector<std::vector<float>> buffers_;
+    };
+
+    using RequestPointer = std::shared_ptr<Request>;
+
+    /// A result of the words of `text`, `secondsPerWord` each, the first at `start`.
+    static SpeechResult result(const QString &text, bool isFinal, double start = 0,
+                               double secondsPerWord = 0.5) {
+        SpeechResult made{text, {}, isFinal};
+        qsizetype location = 0;
+        for (const QString &word : text.split(u' ')) {
+            if (!word.isEmpty()) {
+                made.segments.append({location, word, start, secondsPerWord});
+                start += secondsPerWord;
+            }
+            location += word.size() + 1;
+        }
+        return made;
+    }
+
+    // What the next recogniser and its questions find.
+    QStringList languages{QStringLiteral("en")}; ///< those that have a recogniser
+    bool isAvailable = true;
+    bool supportsOnDeviceRecognition = true;
+    /// Called at the start of a recognition, for a recogniser that answers at once.
+    std::function<void(const RequestPointer &)> onRecognize;
+
+    // What was asked, in order.
+    QStringList requestedLocales;
+    std::vector<RequestPointer> requests; ///< those given to `recognize`
+
+    std::vector<RequestPointer> liveRequests() const { return select(true); }
+    std::vector<RequestPointer> fileRequests() const { return select(false); }
+
+    std::shared_ptr<SpeechRecognizer> makeRecognizer(const QString &localeIdentifier) override {
+        requestedLocales.append(localeIdentifier);
+        const QString language = localeIdentifier.section(u'-', 0, 0).section(u'_', 0, 0);
+        if (!languages.contains(language))
+            return nullptr;
+        return std::make_shared<Recognizer>(*this, localeIdentifier);
+    }
+
+private:
+    class BufferRequest : public SpeechBufferRequest {
+    public:
+        explicit BufferRequest(RequestPointer request) : request_(std::move(request)) {}
+
+        void append(const AudioBuffer &buffer) override {
+            const qsizetype count = buffer.frameCount * buffer.channelCount;
+            const std::lock_guard lock(request_->mutex_);
+            request_->buffers_.emplace_back(buffer.samples, buffer.samples + count);
+        }
+        const RequestPointer &request() const { return request_; }
+
+    private:
+        RequestPointer request_;
+    };
+
+    class RunningTask : public SpeechTask {
+    public:
+        explicit RunningTask(RequestPointer request) : request_(std::move(request)) {}
+        ~RunningTask() override { request_->isCancelled = true; }
+        void cancel() override { request_->isCancelled = true; }
+
+    private:
+        RequestPointer request_;
+    };
+
+    class Recognizer : public SpeechRecognizer {
+    public:
+        Recognizer(FakeSpeech &speech, QString localeIdentifier)
+            : speech_(speech), localeIdentifier_(std::move(localeIdentifier)) {}
+
+        QString localeIdentifier() const override { return localeIdentifier_; }
+        bool isAvailable() const override { return speech_.isAvailable; }
+        bool supportsOnDeviceRecognition() const override {
+            return speech_.supportsOnDeviceRecognition;
+        }
+
+        std::shared_ptr<SpeechBufferRequest>
+        makeBufferRequest(const AudioFormat &format, const SpeechOptions &options) override {
+            const auto request = std::make_shared<Request>();
+            request->isLive = true;
+            request->localeIdentifier = localeIdentifier_;
+            request->format = format;
+            request->options = options;
+            return std::make_shared<BufferRequest>(request);
+        }
+
+        std::unique_ptr<SpeechTask> recognize(std::shared_ptr<SpeechBufferRequest> request,
+                                              SpeechHandler handler) override {
+            return start(static_cast<BufferRequest &>(*request).request(), std::move(handler));
+        }
+
+        std::unique_ptr<SpeechTask> recognize(const QString &path, const SpeechOptions &options,
+                                              SpeechHandler handler) override {
+            const auto request = std::make_shared<Request>();
+            request->localeIdentifier = localeIdentifier_;
+            request->path = path;
+            request->options = options;
+            return start(request, std::move(handler));
+        }
+
+    private:
+        std::unique_ptr<SpeechTask> start(const RequestPointer &request, SpeechHandler handler) {
+            request->handler_ = std::move(handler);
+            speech_.requests.push_back(request);
+            auto task = std::make_unique<RunningTask>(request);
+            if (speech_.onRecognize)
+                speech_.onRecognize(request);
+            return task;
+        }
+
+        FakeSpeech &speech_;
+        QString localeIdentifier_;
+    };
+
+    std::vector<RequestPointer> select(bool isLive) const {
+        std::vector<RequestPointer> selected;
+        for (const RequestPointer &request : requests) {
+            if (request->isLive == isLive)
+                selected.push_back(request);
+        }
+        return selected;
+    }
+};
+
+} // namespace lorvane
