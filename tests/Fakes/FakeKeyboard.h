@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Platform/Keyboard.h"
+
+#include <QStringList>
+
+#include <functional>
+
+namespace lorvane {
+
+/// A keyboard that types nothing. `log` gets "postPaste" for each paste key posted, if given.
+class FakeKeyboard final : public Keyboard {
+public:
+    explicit FakeKeyboard(QStringList *log = nullptr) : log_(log) {}
+
+    bool canPost = true;
+    /// Called when a paste key is posted, for a test that plays the application which gets it.
+    std::function<void()> onPaste;
+    int pasteCount = 0;
+
+    bool postPaste() override {
+        if (!canPost)
+            return false;
+        ++pasteCount;
+        if (log_)
+            log_->append(QStringLiteral("postPaste"));
+        if (onPaste)
+            onPaste();
+        return true;
+    }
+
+private:
+    QStringList *log_;
+};
+
+} // namespace lorvane
