@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Core/SystemCalls.h"
+
+#include <QByteArrayView>
+#include <QString>
+
+namespace lorvane {
+
+/// Creates the folder with all that is missing above it, each for its owner alone (mode 0700). An
+/// existing folder is no error. Throws FileError.
+void createFolder(const QString &path, SystemCalls &calls);
+
+/// Replaces the file by these bytes in one step that survives a crash, and leaves it with mode
+/// 0600. A symbolic link is followed and stays one. Throws FileError; until the step is taken the
+/// old file stands, and no other file is left beside it.
+void replaceFile(const QString &path, QByteArrayView bytes, SystemCalls &calls);
+
+} // namespace lorvane
