@@ -87,7 +87,8 @@ public:
             bool await_ready() const noexcept { return false; }
             std::coroutine_handle<>
             await_suspend(std::coroutine_handle<promise_type> self) const noexcept {
-                return self.promise().awaiter;
+                const std::coroutine_handle<> awaiter = self.promise().awaiter;
+                return awaiter ? awaiter : std::noop_coroutine();
             }
             void await_resume() const noexcept {}
         };
@@ -102,11 +103,15 @@ public:
     }
 
     bool await_ready() const noexcept { return false; }
-    template <class Promise>
-    std::coroutine_handle<> await_suspend(std::coroutine_handle<Promise> awaiter) {
+    /// Runs the function here and suspends the awaiter only if it doesn't finish: a chain of jumps
+    /// would grow the stack in a loop of functions that finish at once, in builds without tail calls.
+    template <class Promise> bool await_suspend(std::coroutine_handle<Promise> awaiter) {
         coroutine_.promise().cancellation = awaiter.promise().cancellation;
+        coroutine_.resume();
+        if (coroutine_.done())
+            return false;
         coroutine_.promise().awaiter = awaiter;
-        return coroutine_;
+        return true;
     }
     T await_resume() { return coroutine_.promise().take(); }
 
