@@ -1,0 +1,90 @@
+"""The accessibility bus as a screen reader sees it. Every question goes to the application itself,
+so that no answer is older than the question."""
+
+import re
+
+from gi.repository import GLib
+
+from .session import call
+
+FOCUSED, SHOWING, SENSITIVE = 12, 25, 24  # numbers of AtspiStateType
+_TEXT = "org.a11y.atspi.Text"
+_ACTION = "org.a11y.atspi.Action"
+_ACCESSIBLE = "org.a11y.atspi.Accessible"
+_PROPERTIES = "org.freedesktop.DBus.Properties"
+
+
+def application(session, process):
+    """The root element of a process; None while it isn't on the bus."""
+    bus = session.accessibility_bus
+    root = Element(bus, "org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
+    for child in root.children():
+        try:
+            pid, = call(bus, "org.freedesktop.DBus", "/", "org.freedesktop.DBus",
+                        "GetConnectionUnixProcessID", GLib.Variant("(s)", (child.owner,)))
+        except GLib.Error:
+            continue
+        if pid == process.pid:
+            return child
+    return None
+
+
+class Element:
+    """One element of an application. It may be gone by the next question: GLib.Error then."""
+
+    def __init__(self, bus, owner, path):
+        self.bus, self.owner, self.path = bus, owner, path
+
+    def __eq__(self, other):
+        return (self.owner, self.path) == (other.owner, other.path)
+
+    def __repr__(self):
+        return f"{self.role()} “{self.name()}”"
+
+    def _call(self, interface, method, arguments=None):
+        return call(self.bus, self.owner, self.path, interface, method, arguments)
+
+    def children(self):
+        found, = self._call(_ACCESSIBLE, "GetChildren")
+        return [Element(self.bus, owner, path) for owner, path in found]
+
+    def name(self):
+        return self._call(_PROPERTIES, "Get", GLib.Variant("(ss)", (_ACCESSIBLE, "Name")))[0]
+
+    def role(self):
+        return self._call(_ACCESSIBLE, "GetRoleName")[0]
+
+    def has_state(self, state):
+        words, = self._call(_ACCESSIBLE, "GetState")
+        return bool(words[state // 32] & 1 << state % 32)
+
+    def text(self):
+        return self._call(_TEXT, "GetText", GLib.Variant("(ii)", (0, -1)))[0]
+
+    def press(self):
+        """The first action of the element, as a screen reader's user would choose it."""
+        done, = self._call(_ACTION, "DoAction", GLib.Variant("(i)", (0,)))
+        if not done:
+            raise RuntimeError(f"{self} refused to be pressed")
+
+    def walk(self):
+        """The element and everything below it. What goes away meanwhile is passed over."""
+        yield self
+        try:
+            children = self.children()
+        except GLib.Error:
+            return
+        for child in children:
+            yield from child.walk()
+
+    def find(self, name=None, role=None, state=None):
+        """The first element with that name, a role that the expression matches, and that state."""
+        for element in self.walk():
+            try:
+                if ((name is None or element.name() == name)
+                        and (role is None or re.fullmatch(role, element.role()))
+                        and (state is None or element.has_state(state))):
+                    return element
+            except GLib.Error:
+                continue
+        return None

@@ -1,0 +1,113 @@
+"""Lorvane, running in the session, as its user and a screen reader see it."""
+
+import json
+import os
+from pathlib import Path
+
+from gi.repository import GLib
+
+from . import accessibility
+from .session import BINARY, run
+from .waiting import until
+
+APPLICATION_ID = "net.lorvane.Lorvane"
+
+LISTENING = "Listening · "
+TRANSCRIBING = "Transcribing the complete recording…"
+PASTED = "Saved and paste requested at your cursor."
+COPIED = "Saved to history and copied to the clipboard."
+NO_SPEECH = "No speech detected. Try again when you’re ready."
+CANCELLED = "Dictation cancelled."
+RELEASED_EARLY = ("Released before the microphone was ready. After granting permissions, hold "
+                  "⌃⌥Space again.")
+
+
+class Lorvane:
+    """Starts the program with its grants given and waits until its window is usable."""
+
+    def __init__(self, session):
+        session.grant("devices", "microphone", APPLICATION_ID)
+        session.grant("lorvane", "speech-recognition", APPLICATION_ID)
+        self._session = session
+        self.folder = Path(os.environ["XDG_DATA_HOME"]) / "Lorvane"
+        self.process = session.spawn("lorvane", BINARY)
+        self._banner = None
+        self.window = until(self._find_window, 30, "Lorvane's window")
+        until(lambda: self.window.find("Start dictation"), 10, "the record button")
+
+    def _find_window(self):
+        if self.process.poll() is not None:
+            raise RuntimeError(f"Lorvane ended with {self.process.returncode}; "
+                               f"{self._session.output}/lorvane.log tells why")
+        root = accessibility.application(self._session, self.process)
+        return root and root.find("Lorvane", "frame|window")
+
+    def press(self, button):
+        """Presses a button by its accessibility action."""
+        until(lambda: self.window.find(button, state=accessibility.SENSITIVE), 5,
+              f"the button “{button}”").press()
+
+    def message(self):
+        """The text of the banner above the page; empty without one."""
+        try:
+            if self._banner:
+                return _text(self._banner)
+        except GLib.Error:
+            pass
+        self._banner = self._find_banner()
+        return _text(self._banner) if self._banner else ""
+
+    def _find_banner(self):
+        return self.window.find("Message")
+
+    def transcript(self):
+        """The words in the transcript area of the Home page; empty without any."""
+        element = self.window.find("Transcript")
+        return _text(element) if element else ""
+
+    def wait_for(self, message, seconds=10):
+        """Waits until the banner's text begins so, and gives the whole of it."""
+        seen = []
+
+        def shown():
+            text = self.message()
+            if not seen or seen[-1] != text:
+                seen.append(text)
+            return text.startswith(message) and text
+
+        try:
+            return until(shown, seconds, f"“{message}”")
+        except TimeoutError as error:
+            raise TimeoutError(f"{error}; shown instead: {seen}") from None
+
+    def history(self):
+        """The records of the library file, newest first."""
+        file = self.folder / "library.json"
+        return json.loads(file.read_text())["history"] if file.exists() else []
+
+    def recordings(self):
+        """The folders of recordings that are under way or kept."""
+        recovery = self.folder / "Recovery"
+        return sorted(recovery.iterdir()) if recovery.exists() else []
+
+    def resident_megabytes(self):
+        status = Path(f"/proc/{self.process.pid}/status").read_text()
+        return int(status.split("VmRSS:")[1].split()[0]) / 1024
+
+
+def _text(element):
+    return element.name() or element.text()
+
+
+def overlay_is_shown():
+    """Whether the floating card is on the screen."""
+    tree = run("xwininfo", "-root", "-tree")
+    windows = [line.split()[0] for line in tree.splitlines()
+               if '"Lorvane Recording Indicator"' in line]
+    return any("Map State: IsViewable" in run("xwininfo", "-id", window) for window in windows)
+
+
+def window_with_keys():
+    """The window that gets the keys, and the one that the window manager calls active."""
+    return (run("xdotool", "getwindowfocus").strip(),
+            run("xprop", "-root", "_NET_ACTIVE_WINDOW").strip())

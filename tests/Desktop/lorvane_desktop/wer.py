@@ -1,0 +1,42 @@
+"""The word error rate: how many words were changed, lost or invented, for each word spoken."""
+
+import difflib
+import re
+
+_ONES = ("zero one two three four five six seven eight nine ten eleven twelve thirteen fourteen "
+         "fifteen sixteen seventeen eighteen nineteen").split()
+_TENS = "twenty thirty forty fifty sixty seventy eighty ninety".split()
+
+
+def words(text):
+    """The words as they sound: no case, no punctuation, small numbers spelt out."""
+    text = text.lower().replace("’", "'").replace("-", " ")
+    text = re.sub(r"\d+", lambda match: _spelt(int(match[0])), text)
+    return re.findall(r"[a-z']+", text)
+
+
+def _spelt(number):
+    if number < 20:
+        return _ONES[number]
+    if number < 100:
+        tens, ones = divmod(number, 10)
+        return _TENS[tens - 2] + (f" {_ONES[ones]}" if ones else "")
+    return " ".join(_ONES[int(digit)] for digit in str(number))
+
+
+def errors(spoken, heard):
+    """The fewest changes, losses and inventions that lead from one list of words to the other."""
+    row = list(range(len(heard) + 1))
+    for i, word in enumerate(spoken, 1):
+        previous, row[0] = row[0], i
+        for j, other in enumerate(heard, 1):
+            previous, row[j] = row[j], min(row[j] + 1, row[j - 1] + 1, previous + (word != other))
+    return row[-1]
+
+
+def runs(spoken, heard):
+    """The runs of words that were lost, and of words that were invented."""
+    steps = difflib.SequenceMatcher(None, spoken, heard, autojunk=False).get_opcodes()
+    lost = [spoken[a:b] for step, a, b, _, _ in steps if step == "delete"]
+    invented = [heard[a:b] for step, _, _, a, b in steps if step == "insert"]
+    return lost, invented
