@@ -1,0 +1,22 @@
+pragma Singleton
+import QtQuick
+
+// The colours of the design.
+QtObject {
+    readonly property color canvas: Qt.rgba(0.97, 0.96, 0.94, 1)
+    readonly property color sidebar: Qt.rgba(0.94, 0.93, 0.90, 1)
+    readonly property color ink: Qt.rgba(0.15, 0.18, 0.17, 1)
+    readonly property color muted: Qt.rgba(0.44, 0.46, 0.43, 1)
+    readonly property color accent: Qt.rgba(0.83, 0.29, 0.13, 1)
+    readonly property color line: Qt.rgba(0, 0, 0, 0.08)
+
+    // What the design calls standard.
+    readonly property color red: "#ff3b30"
+    readonly property color orange: "#ff9500"
+    readonly property color green: "#28a745"
+    readonly property color blue: "#007aff"
+
+    function translucent(color: color, opacity: real): color {
+        return Qt.rgba(color.r, color.g, color.b, opacity);
+    }
+}

@@ -1,0 +1,26 @@
+import QtQuick
+import QtQuick.Window
+
+// An icon of the design, by its name, in one colour. It stands beside a text that tells the same.
+Item {
+    id: symbol
+
+    required property string name
+    property color color: "black"
+    property real size: 16
+
+    readonly property string argb: color.toString().slice(1)
+    readonly property int pixels: Math.round(size * Screen.devicePixelRatio)
+
+    implicitWidth: size
+    implicitHeight: size
+
+    Image {
+        anchors.centerIn: parent
+        width: symbol.size
+        height: symbol.size
+        sourceSize: Qt.size(symbol.pixels, symbol.pixels)
+        source: `image://symbol/${symbol.name}/${symbol.argb}`
+        Accessible.ignored: true
+    }
+}
