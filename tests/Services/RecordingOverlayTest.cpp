@@ -17,8 +17,7 @@ const Screen right{QRect(1280, 0, 1920, 1080), QRect(1280, 0, 1920, 1080)};
 class RecordingOverlayTest : public testing::Test {
 protected:
     RecordingOverlayTest() {
-        screens.list = {left, right};
-        screens.main = left;
+        screens.allScreens = {left, right};
         screens.pointerPosition = QPoint(100, 100);
     }
 
@@ -65,16 +64,15 @@ TEST_F(RecordingOverlayTest, TheCardAppearsOnTheSecondMonitorWithThePointerThere
 }
 
 TEST_F(RecordingOverlayTest, OutsideEveryFrameTheMainScreenCounts) {
+    screens.allScreens = {right, left};
     screens.pointerPosition = QPoint(100, 900);
-    screens.main = right;
     overlay.show(Mode::preparing);
     EXPECT_EQ(panel.position, QPoint(1280 + 960 - 175, 1080 - 42 - 88));
 }
 
 TEST_F(RecordingOverlayTest, WithoutAnyScreenTheCardComesFrontWhereItWas) {
     panel.position = QPoint(7, 8);
-    screens.list.clear();
-    screens.main.reset();
+    screens.allScreens.clear();
     overlay.show(Mode::preparing);
     EXPECT_EQ(panel.position, QPoint(7, 8));
     EXPECT_TRUE(overlay.isVisible());
