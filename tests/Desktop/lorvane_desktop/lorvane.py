@@ -32,7 +32,8 @@ class Lorvane:
         self.folder = Path(os.environ["XDG_DATA_HOME"]) / "Lorvane"
         self.process = session.spawn("lorvane", BINARY)
         self._banner = None
-        self.window = until(self._find_window, 30, "Lorvane's window")
+        self.window = until(self._find_window, 30,
+                            "Lorvane's window")
         until(lambda: self.window.find("Start dictation"), 10, "the record button")
 
     def _find_window(self):
@@ -40,7 +41,7 @@ class Lorvane:
             raise RuntimeError(f"Lorvane ended with {self.process.returncode}; "
                                f"{self._session.output}/lorvane.log tells why")
         root = accessibility.application(self._session, self.process)
-        return root and root.find("Lorvane", "frame|window")
+        return root and root.find("Lorvane", role="frame|window")
 
     def press(self, button):
         """Presses a button by its accessibility action."""
@@ -51,19 +52,28 @@ class Lorvane:
         """The text of the banner above the page; empty without one."""
         try:
             if self._banner:
-                return _text(self._banner)
+                return self._banner.name()
         except GLib.Error:
             pass
         self._banner = self._find_banner()
-        return _text(self._banner) if self._banner else ""
+        return self._banner.name() if self._banner else ""
 
     def _find_banner(self):
-        return self.window.find("Message")
+        """The text that stands before the button which dismisses it."""
+        for parent in self.window.walk():
+            try:
+                children = parent.children()
+                for text, button in zip(children, children[1:]):
+                    if button.name() == "Dismiss message":
+                        return text
+            except GLib.Error:
+                pass
+        return None
 
     def transcript(self):
         """The words in the transcript area of the Home page; empty without any."""
-        element = self.window.find("Transcript")
-        return _text(element) if element else ""
+        element = self.window.find(description="Transcript")
+        return element.name() if element else ""
 
     def wait_for(self, message, seconds=10):
         """Waits until the banner's text begins so, and gives the whole of it."""
@@ -93,10 +103,6 @@ class Lorvane:
     def resident_megabytes(self):
         status = Path(f"/proc/{self.process.pid}/status").read_text()
         return int(status.split("VmRSS:")[1].split()[0]) / 1024
-
-
-def _text(element):
-    return element.name() or element.text()
 
 
 def overlay_is_shown():
