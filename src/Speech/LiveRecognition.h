@@ -1,0 +1,44 @@
+#pragma once
+
+#include "Speech/LiveRequest.h"
+#include "Speech/RecognitionWorker.h"
+#include "Speech/Resampler.h"
+#include "Speech/SpeechEngine.h"
+
+#include <optional>
+
+namespace lorvane {
+
+/// One live recognition: it transcribes what has been said since its start again and again, and
+/// reports what has changed. It lives in its own jobs on the worker.
+class LiveRecognition : public std::enable_shared_from_this<LiveRecognition> {
+public:
+    LiveRecognition(std::shared_ptr<LiveRequest> request, std::shared_ptr<SpeechEngine> engine,
+                    RecognitionWorker &worker, std::stop_token cancellation, SpeechHandler handler);
+
+    /// Goes on until it is cancelled, the request is full or the engine fails.
+    void start() { schedule(RecognitionWorker::TimePoint::clock::now()); }
+
+private:
+    void schedule(RecognitionWorker::TimePoint time);
+    void work(std::stop_source &stop);
+    void listen(const std::stop_token &stop);
+    /// Transcribes the voice if there is more of it than last time.
+    void transcribe(const std::stop_token &stop);
+
+    const std::shared_ptr<LiveRequest> request_;
+    const std::shared_ptr<SpeechEngine> engine_;
+    RecognitionWorker &worker_;
+    const std::stop_token cancellation_;
+    const SpeechHandler handler_;
+
+    // Used on the worker alone.
+    std::size_t position_ = 0; ///< in the request
+    std::optional<Resampler> resampler_;
+    std::optional<VoiceActivity> activity_;
+    std::vector<float> samples_; ///< at 16 kHz
+    double transcribedEnd_ = 0;  ///< up to where, in seconds
+    QList<TimedWord> words_;
+};
+
+} // namespace lorvane

@@ -1,0 +1,80 @@
+#include "Speech/SpeechEngine.h"
+
+#include "Core/LocalizedError.h"
+#include "Speech/Stretches.h"
+
+#include <algorithm>
+
+namespace lorvane {
+
+SpeechEngine::SpeechEngine(OnnxRuntime &runtime, ModelFolder folder, QString voiceActivity)
+    : runtime_(runtime), folder_(std::move(folder)), voiceActivityPath_(std::move(voiceActivity)) {}
+
+void SpeechEngine::load(const QString &size) {
+    makeVoiceActivity();
+    model(size);
+}
+
+VoiceActivity SpeechEngine::makeVoiceActivity() {
+    if (!voiceActivity_)
+        voiceActivity_ = std::make_unique<VoiceActivityModel>(runtime_, voiceActivityPath_);
+    return VoiceActivity(*voiceActivity_);
+}
+
+SpeechModel &SpeechEngine::model(const QString &size) {
+    std::unique_ptr<SpeechModel> &model = models_[size];
+    if (!tokens_)
+        tokens_ = std::make_unique<TokenTable>(folder_.tokens);
+    if (!model) {
+        if (!folder_.sizes.contains(size))
+            throw LocalizedError(u"There is no speech model of the size “%1”."_qs.arg(size));
+        model = std::make_unique<SpeechModel>(runtime_, folder_.sizes[size]);
+    }
+    return *model;
+}
+
+QList<TimedWord> SpeechEngine::recognize(std::span<const float> samples, const QString &size,
+                                         [[maybe_unused]] const SpeechOptions &options,
+                                         const std::stop_token &stop) {
+    VoiceActivity activity = makeVoiceActivity();
+    activity.listen(samples, stop);
+    const double duration = static_cast<double>(samples.size()) / SpeechModel::sampleRate;
+    QList<TimedWord> words;
+    for (const VoiceSpan &stretch : planStretches(activity.probabilities(), duration))
+        words.append(recognizeStretch(samples, stretch, size, options, stop));
+    return words;
+}
+
+QList<TimedWord> SpeechEngine::recognizeStretch(std::span<const float> samples, VoiceSpan stretch,
+                                                const QString &size, [[maybe_unused]] const SpeechOptions &options,
+                                                const std::stop_token &stop) {
+    const auto index = [&](double time) {
+        return std::min(static_cast<std::size_t>(time * SpeechModel::sampleRate), samples.size());
+    };
+    const std::size_t start = index(stretch.start);
+    const std::size_t count = index(stretch.end) - start;
+    const Decoding decoding = model(size).transcribe(samples.subspan(start, count), stop);
+    QList<TimedWord> words =
+        timedWords(decoding, *tokens_, static_cast<double>(count) / SpeechModel::sampleRate);
+    const double offset = static_cast<double>(start) / SpeechModel::sampleRate;
+    for (TimedWord &word : words) {
+        word.start += offset;
+        word.end += offset;
+    }
+    return words;
+}
+
+SpeechResult makeResult(const QList<TimedWord> &words, bool isFinal) {
+    SpeechResult result;
+    result.isFinal = isFinal;
+    for (const TimedWord &word : words) {
+        if (!result.formattedString.isEmpty())
+            result.formattedString += u' ';
+        result.segments.append(
+            {result.formattedString.size(), word.text, word.start, word.end - word.start});
+        result.formattedString += word.text;
+    }
+    return result;
+}
+
+} // namespace lorvane

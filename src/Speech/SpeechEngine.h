@@ -1,0 +1,54 @@
+#pragma once
+
+#include "Speech/SpeechModel.h"
+#include "Speech/VoiceActivity.h"
+#include "Speech/WordTimings.h"
+
+#include <map>
+#include <memory>
+
+namespace lorvane {
+
+/// The sizes of the models: the smaller one keeps up with the voice, the larger one hears better.
+inline const QString liveModel = QStringLiteral("tiny");
+inline const QString fileModel = QStringLiteral("base");
+
+/// The recognition of one language: models that are loaded when they are first needed, and stay.
+/// One thread at a time.
+class SpeechEngine {
+public:
+    /// `voiceActivity` is the path of the detector's model.
+    SpeechEngine(OnnxRuntime &runtime, ModelFolder folder, QString voiceActivity);
+
+    /// Loads what is not loaded yet of a size such as "base". Throws LocalizedError.
+    void load(const QString &size);
+
+    /// Throws LocalizedError.
+    VoiceActivity makeVoiceActivity();
+
+    /// The words of finished audio, mono at 16 kHz, of any length. Nothing but silence and noise
+    /// gives none. Throws LocalizedError, and Abandoned once `stop` is asked for.
+    QList<TimedWord> recognize(std::span<const float> samples, const QString &size,
+                               const SpeechOptions &options, const std::stop_token &stop);
+
+    /// The words of one stretch of `samples` in which there is a voice, at most
+    /// SpeechModel::longestStretch long, with times from the start of `samples`. Throws the same.
+    QList<TimedWord> recognizeStretch(std::span<const float> samples, VoiceSpan stretch,
+                                      const QString &size, const SpeechOptions &options,
+                                      const std::stop_token &stop);
+
+private:
+    SpeechModel &model(const QString &size);
+
+    OnnxRuntime &runtime_;
+    ModelFolder folder_;
+    QString voiceActivityPath_;
+    std::unique_ptr<TokenTable> tokens_;
+    std::unique_ptr<VoiceActivityModel> voiceActivity_;
+    std::map<QString, std::unique_ptr<SpeechModel>> models_;
+};
+
+/// A result of the words, joined by blanks.
+SpeechResult makeResult(const QList<TimedWord> &words, bool isFinal);
+
+} // namespace lorvane

@@ -1,0 +1,65 @@
+#include "Speech/Stretches.h"
+
+#include <algorithm>
+
+namespace lorvane {
+
+namespace {
+
+// The detector comes late on soft sounds.
+constexpr double marginBefore = 0.4;
+constexpr double marginAfter = 0.5;
+
+/// A pause in which the model may lose the thread, and which costs time.
+constexpr double longestPause = 4;
+/// A whole chunk of a recording stays in one piece.
+constexpr double longestStretch = 32.5;
+/// Where a longer voice without a pause is cut.
+constexpr double earliestCut = 20;
+constexpr double latestCut = 28;
+
+/// Cuts a voice that goes on for too long where it is weakest.
+void appendCut(VoiceSpan span, std::span<const float> probabilities,
+               std::vector<VoiceSpan> &spans) {
+    while (span.end - span.start > longestStretch) {
+        const auto window = [&](double seconds) {
+            return probabilities.begin() +
+                   static_cast<std::ptrdiff_t>((span.start + seconds) /
+                                               VoiceActivity::secondsPerWindow);
+        };
+        const auto weakest = std::min_element(window(earliestCut), window(latestCut));
+        const double cut = (static_cast<double>(weakest - probabilities.begin()) + 0.5) *
+                           VoiceActivity::secondsPerWindow;
+        spans.push_back({span.start, cut});
+        span.start = cut;
+    }
+    spans.push_back(span);
+}
+
+} // namespace
+
+std::vector<VoiceSpan> planStretches(std::span<const float> probabilities, double duration) {
+    std::vector<VoiceSpan> spans;
+    for (const VoiceSpan &span : voiceSpans(probabilities))
+        appendCut(span, probabilities, spans);
+
+    std::vector<VoiceSpan> stretches;
+    for (const VoiceSpan &span : spans) {
+        if (!stretches.empty() && span.start - stretches.back().end < longestPause &&
+            span.end - stretches.back().start < longestStretch)
+            stretches.back().end = span.end;
+        else
+            stretches.push_back(span);
+    }
+    // The margins of neighbours meet halfway.
+    for (std::size_t i = 0; i < stretches.size(); ++i) {
+        const double earliest = i ? stretches[i - 1].end : 0;
+        const double latest =
+            i + 1 < stretches.size() ? (stretches[i].end + stretches[i + 1].start) / 2 : duration;
+        stretches[i].start = std::max(stretches[i].start - marginBefore, earliest);
+        stretches[i].end = std::min(stretches[i].end + marginAfter, latest);
+    }
+    return stretches;
+}
+
+} // namespace lorvane
