@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QByteArray>
+#include <QStringView>
+
+namespace lorvane {
+
+/// Writes one JSON text, pretty: one value a line, two blanks an indent, " : " after a key. The
+/// caller sees to the order of keys and to matching begins and ends.
+class JsonWriter {
+public:
+    void beginObject() { begin('{'); }
+    void endObject() { end('}'); }
+    void beginArray() { begin('['); }
+    void endArray() { end(']'); }
+
+    /// Starts a member of an object; the next call writes its value.
+    void key(QByteArrayView key);
+
+    /// Unpaired surrogates, which UTF-8 has no form for, go in as escapes.
+    void string(QStringView value);
+    void integer(qint64 value);
+    void boolean(bool value);
+
+    /// The shortest form that reads back the same. `value` must be finite.
+    void number(double value);
+
+    /// A string of ASCII that needs no escape.
+    void plainString(QByteArrayView value);
+
+    QByteArray takeText() { return std::move(text_); }
+
+private:
+    void begin(char bracket);
+    void end(char bracket);
+    void startValue();
+    void startLine();
+
+    QByteArray text_;
+    qsizetype depth_ = 0;
+    bool isFirst_ = true;   ///< nothing stands in the innermost brackets yet
+    bool afterKey_ = false; ///< the value belongs on the key's line
+};
+
+} // namespace lorvane

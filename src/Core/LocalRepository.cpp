@@ -1,0 +1,90 @@
+#include "Core/LocalRepository.h"
+
+#include "Core/ApplicationSupport.h"
+#include "Core/DurableFile.h"
+#include "Core/FileError.h"
+#include "Core/LibraryFormat.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace lorvane {
+namespace {
+
+/// The file's bytes; nothing when there is no such file.
+std::optional<QByteArray> readFile(const QString &path) {
+    const auto failure = [&path] {
+        return FileError(path, QStringLiteral("could not be read"), errno);
+    };
+    const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0 && (errno == ENOENT || errno == ENOTDIR))
+        return std::nullopt;
+    if (descriptor < 0)
+        throw failure();
+    struct Close {
+        int descriptor;
+        ~Close() { ::close(descriptor); }
+    } close{descriptor};
+
+    struct stat status;
+    if (::fstat(descriptor, &status) < 0)
+        throw failure();
+    // One byte more than there should be, to meet the end of the file without growing.
+    QByteArray bytes(status.st_size + 1, Qt::Uninitialized);
+    qsizetype size = 0;
+    while (true) {
+        const ssize_t count =
+            ::read(descriptor, bytes.data() + size, static_cast<std::size_t>(bytes.size() - size));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            throw failure();
+        if (count == 0)
+            break;
+        size += count;
+        if (size == bytes.size())
+            bytes.resize(2 * size);
+    }
+    bytes.truncate(size);
+    return bytes;
+}
+
+} // namespace
+
+LocalRepository::RepositoryError::RepositoryError(qint64 version)
+    : LocalizedError(QStringLiteral("Library version %1 is unsupported. Your existing library was "
+                                    "left untouched.")
+                         .arg(version)),
+      version_(version) {}
+
+LocalRepository::LocalRepository(QString fileURL, SystemCalls &calls)
+    : fileURL_(std::move(fileURL)), calls_(&calls) {}
+
+LocalRepository LocalRepository::applicationDefault() {
+    return LocalRepository(applicationSupportDirectory() + QStringLiteral("/Lorvane/library.json"));
+}
+
+AppSnapshot LocalRepository::load() const {
+    const std::optional<QByteArray> bytes = readFile(fileURL_);
+    if (!bytes)
+        return {};
+    AppSnapshot snapshot = decodeLibrary(*bytes);
+    if (snapshot.schemaVersion < 1 || snapshot.schemaVersion > AppSnapshot::currentSchemaVersion)
+        throw RepositoryError::unsupportedVersion(snapshot.schemaVersion);
+    snapshot.schemaVersion = AppSnapshot::currentSchemaVersion;
+    snapshot.vocabulary = VocabularyEntry::consolidated(snapshot.vocabulary);
+    return snapshot;
+}
+
+void LocalRepository::save(const AppSnapshot &snapshot) const {
+    createFolder(QFileInfo(fileURL_).path(), *calls_);
+    replaceFile(fileURL_, encodeLibrary(snapshot), *calls_);
+}
+
+} // namespace lorvane
