@@ -191,7 +191,7 @@ QString Text::withUppercaseStart(QStringView text) {
     if (text.isEmpty())
         return {};
     const QStringView first = text.first(ubrk_next(characters(text)));
-    const QString upper =
+    QString upper =
         filled(first.size() + 2, [&](UChar *buffer, int32_t capacity, UErrorCode &error) {
             return u_strToUpper(buffer, capacity, units(first), length(first), "", &error);
         });
