@@ -1,0 +1,205 @@
+#include "Services/SpeechTranscriber.h"
+
+#include "Platform/Permissions.h"
+
+#include <QDir>
+#include <QScopeGuard>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace lorvane {
+
+namespace {
+
+using Kind = TranscriptionError::Kind;
+
+constexpr int maximumContextualStrings = 100;
+constexpr int speechAuthorized = 3;
+
+QStringList cleaned(const QStringList &contextualStrings) {
+    QStringList result = contextualStrings;
+    result.removeAll(QString());
+    return result.mid(0, maximumContextualStrings);
+}
+
+} // namespace
+
+SpeechTranscriber::SpeechTranscriber(const Ports &ports, QObject *parent)
+    : QObject(parent), ports_(ports) {}
+
+SpeechTranscriber::~SpeechTranscriber() {
+    liveRotation_.cancel();
+    if (liveTask_)
+        liveTask_->cancel();
+    finishTask_.cancel();
+    ports_.audioInput.stop();
+    if (capture_)
+        capture_->close();
+}
+
+template <class T>
+void SpeechTranscriber::publish(T &property, T value) {
+    property = std::move(value);
+    Q_EMIT changed();
+}
+
+void SpeechTranscriber::setRecording(bool recording) {
+    publish(isRecording_, recording);
+    Q_EMIT isRecordingChanged(recording);
+}
+
+Async<> SpeechTranscriber::start(QString localeIdentifier, QStringList contextualStrings) {
+    const std::stop_token cancellation = co_await currentCancellation;
+    if (isStarting_ || capture_ || finishTask_ || isRecording_)
+        throw TranscriptionError(Kind::alreadyRecording);
+    if (cancellation.stop_requested())
+        throw TranscriptionError(Kind::cancelled);
+
+    isStarting_ = true;
+    const Self self(this);
+    const auto notStarting = qScopeGuard([self] {
+        if (self)
+            self->isStarting_ = false;
+    });
+    publish(errorMessage_, QString());
+    publish(processingMessage_, u"Preparing microphone…"_s);
+    publish(transcriptionComplete_, false);
+    sessionID_ = QUuid::createUuid();
+    const QUuid session = sessionID_;
+    try {
+        co_await prepare(localeIdentifier, contextualStrings, session);
+    } catch (const LocalizedError &error) {
+        // With another identity somebody has cancelled this session already.
+        if (self && sessionID_ == session) {
+            cancel();
+            publish(errorMessage_, error.localizedDescription());
+        }
+        throw;
+    }
+}
+
+/// The guard after each suspension, in which the session may have been cancelled.
+bool SpeechTranscriber::isStale(const Self &self, const QUuid &session,
+                                const std::stop_token &cancellation) {
+    return !self || self->sessionID_ != session || cancellation.stop_requested();
+}
+
+void SpeechTranscriber::checkSession(const Self &self, const QUuid &session,
+                                     const std::stop_token &cancellation) {
+    if (isStale(self, session, cancellation))
+        throw TranscriptionError(Kind::cancelled);
+}
+
+Async<> SpeechTranscriber::prepare(QString localeIdentifier, QStringList contextualStrings,
+                                   QUuid session) {
+    const std::stop_token cancellation = co_await currentCancellation;
+    const Self self(this);
+    const bool microphone = co_await ports_.permissions.requestMicrophone();
+    checkSession(self, session, cancellation);
+    if (!microphone)
+        throw TranscriptionError(Kind::microphoneDenied);
+    const int speech = co_await ports_.permissions.requestSpeech();
+    checkSession(self, session, cancellation);
+    if (speech != speechAuthorized)
+        throw TranscriptionError(Kind::speechDenied);
+
+    const auto recognizer = ports_.speech.makeRecognizer(localeIdentifier);
+    if (!recognizer || !recognizer->isAvailable())
+        throw TranscriptionError(Kind::unavailableLanguage);
+    recognizer_ = recognizer;
+    contextualStrings_ = cleaned(contextualStrings);
+    publish(usesOnDeviceRecognition_, recognizer->supportsOnDeviceRecognition());
+    publish(transcript_, QString());
+    publish(recordedDuration_, 0.0);
+    liveCommitted_.clear();
+    liveAssembly_ = TranscriptAssembly();
+
+    startAudio(session);
+    setRecording(true);
+    publish(processingMessage_, u"Recording"_s);
+    startLivePreview();
+}
+
+void SpeechTranscriber::startAudio(const QUuid &session) {
+    const AudioFormat format = ports_.audioInput.format();
+    if (!format.isUsable())
+        throw TranscriptionError(Kind::unavailableInput);
+    capture_ = std::make_shared<AudioRecording>(ports_.audioFile, format);
+    publish(recoveryAudioURL_, QString());
+
+    const Self self(this);
+    auto tap = [self, session, capture = capture_,
+                &clock = ports_.clock](const AudioBuffer &buffer) {
+        const AudioRecording::Progress progress = capture->append(buffer);
+        const double level = measureLevel(buffer);
+        clock.post([self, session, progress, level] {
+            if (self)
+                self->receiveBuffer(session, progress.duration, level, progress.error);
+        });
+    };
+    auto ended = [self, session](const QString &reason) {
+        if (self && self->sessionID_ == session && self->isRecording_)
+            self->captureFailed(u"Audio capture failed: "_s + reason);
+    };
+    ports_.audioInput.start(format, std::move(tap), std::move(ended));
+}
+
+void SpeechTranscriber::receiveBuffer(const QUuid &session, double duration, double level,
+                                      const std::optional<QString> &error) {
+    if (sessionID_ != session || !isRecording_)
+        return;
+    publish(recordedDuration_, duration);
+    publish(level_, level);
+    if (error)
+        captureFailed(*error);
+}
+
+/// The recording ends here; what is in the file is still good, and the session lives on until it is
+/// stopped or cancelled.
+void SpeechTranscriber::captureFailed(const QString &error) {
+    publish(errorMessage_, error);
+    stopAudio();
+}
+
+double SpeechTranscriber::measureLevel(const AudioBuffer &buffer) {
+    if (!buffer.samples || buffer.frameCount == 0)
+        return 0;
+    float sum = 0;
+    for (qsizetype frame = 0; frame < buffer.frameCount; ++frame) {
+        const float sample = buffer.samples[frame * buffer.channelCount];
+        sum += sample * sample;
+    }
+    const double rms = std::sqrt(static_cast<double>(sum) / static_cast<double>(buffer.frameCount));
+    const double decibels = 20 * std::log10(std::max(rms, 0.0001));
+    return std::clamp((decibels + 60) / 60, 0.0, 1.0);
+}
+
+void SpeechTranscriber::stopAudio() {
+    ports_.audioInput.stop();
+    setRecording(false);
+    publish(level_, 0.0);
+}
+
+void SpeechTranscriber::cancel(bool preserveAudio) {
+    sessionID_ = QUuid::createUuid();
+    stopAudio();
+    stopLivePreview();
+    if (const auto recognition = std::exchange(fileRecognition_, nullptr))
+        recognition->cancel();
+    std::exchange(finishTask_, {}).cancel();
+    if (const auto capture = std::exchange(capture_, nullptr)) {
+        capture->close();
+        if (preserveAudio)
+            publish(recoveryAudioURL_, capture->url);
+        else
+            QDir(capture->directory).removeRecursively();
+    }
+    recognizer_.reset();
+    publish(processingMessage_, u""_s);
+    publish(transcriptionComplete_, false);
+}
+
+} // namespace lorvane

@@ -1,0 +1,160 @@
+// From the end of a recording to its text: the whole file is transcribed afresh, and its audio goes
+// only when the transcript is confirmed.
+
+#include "Services/SpeechTranscriber.h"
+
+#include "Core/ChunkTranscriptAssembly.h"
+#include "Core/TranscriptIntegrity.h"
+
+#include <QDir>
+#include <QFile>
+
+using namespace Qt::StringLiterals;
+
+namespace lorvane {
+
+namespace {
+
+double durationOf(AudioFile &files, const QString &url, double fallback) {
+    try {
+        const auto file = files.openForReading(url);
+        return static_cast<double>(file->length()) / file->format().sampleRate;
+    } catch (const LocalizedError &) {
+        return fallback;
+    }
+}
+
+QList<TranscribedWord> shifted(QList<TranscribedWord> words, double seconds) {
+    for (TranscribedWord &word : words)
+        word.start += seconds;
+    return words;
+}
+
+} // namespace
+
+Async<QString> SpeechTranscriber::stop() {
+    if (finishTask_) {
+        const Task<QString> running = finishTask_;
+        co_return co_await running;
+    }
+    if (isStarting_) {
+        cancel();
+        co_return QString();
+    }
+    if (!capture_ || !recognizer_)
+        co_return transcript_;
+
+    const QUuid session = sessionID_;
+    stopAudio();
+    stopLivePreview();
+    capture_->close();
+    publish(recordedDuration_, durationOf(ports_.audioFile, capture_->url, recordedDuration_));
+    // `start` cleared it, so it can only hold a capture failure of this session.
+    // The failure of the very last buffer is only known to the recording.
+    const QString captureError =
+        errorMessage_.isEmpty() ? capture_->failure().value_or(QString()) : errorMessage_;
+    finishTask_ = Task<QString>::post(
+        ports_.clock,
+        transcribeRecording(capture_, recognizer_, recordedDuration_, captureError, session));
+    const Task<QString> running = finishTask_;
+    const Self self(this);
+    const QString text = co_await running;
+    if (self && sessionID_ == session)
+        finishTask_ = {};
+    co_return text;
+}
+
+Async<QString> SpeechTranscriber::transcribeRecording(std::shared_ptr<AudioRecording> recording,
+                                                      std::shared_ptr<SpeechRecognizer> recognizer,
+                                                      double duration, QString captureError,
+                                                      QUuid session) {
+    const std::stop_token cancellation = co_await currentCancellation;
+    const Self self(this);
+    // Each reason why the transcript is not confirmed.
+    QStringList problems;
+    if (!captureError.isEmpty())
+        problems.append(captureError);
+    const QString liveReference = transcript_;
+    publish(processingMessage_, u"Transcribing the full recording…"_s);
+
+    const std::optional<QString> finalText =
+        co_await transcribeInChunks(recording, recognizer, duration, session, &problems);
+    if (!finalText || isStale(self, session, cancellation))
+        co_return self ? transcript_ : QString();
+
+    publish(transcript_, *finalText);
+    if (TranscriptIntegrity::isSeverelyShorter(transcript_, liveReference))
+        problems.append(u"The final result was unexpectedly shorter than the live transcript; the "
+                        "audio was kept instead of accepting a potentially truncated result."_s);
+    publish(transcriptionComplete_, problems.isEmpty());
+    if (transcriptionComplete_)
+        confirm(*recording);
+    else
+        keepForRecovery(*recording, problems);
+    capture_.reset();
+    recognizer_.reset();
+    co_return transcript_;
+}
+
+/// None means that the session was cancelled meanwhile.
+Async<std::optional<QString>>
+SpeechTranscriber::transcribeInChunks(std::shared_ptr<AudioRecording> recording,
+                                      std::shared_ptr<SpeechRecognizer> recognizer, double duration,
+                                      QUuid session, QStringList *problems) {
+    const std::stop_token cancellation = co_await currentCancellation;
+    const Self self(this);
+    const QList<AudioChunk> plan = AudioChunk::plan(duration);
+    ChunkTranscriptAssembly assembly;
+    for (const AudioChunk &chunk : plan) {
+        if (isStale(self, session, cancellation))
+            co_return std::nullopt;
+        const QString part = QString::number(chunk.index + 1);
+        publish(processingMessage_, u"Transcribing part %1 of %2…"_s.arg(part).arg(plan.size()));
+
+        const auto cut = [&files = ports_.audioFile, recording, chunk] {
+            return AudioRecording::writeChunk(files, recording->url, chunk, recording->directory);
+        };
+        QString url;
+        try {
+            url = co_await inBackground(ports_.clock, cut);
+        } catch (const LocalizedError &error) {
+            problems->append(u"Part "_s + part + u": "_s + error.localizedDescription());
+            continue;
+        }
+
+        const auto recognition = FileSpeechRecognition::make(ports_.clock);
+        fileRecognition_ = recognition;
+        const FileSpeechRecognition::Result result =
+            co_await recognition->recognize(url, recognizer, contextualStrings_);
+        if (self)
+            fileRecognition_.reset();
+        if (isStale(self, session, cancellation))
+            co_return std::nullopt;
+        if (result.error)
+            problems->append(u"Part "_s + part + u": "_s + *result.error);
+        assembly.append(shifted(result.words, chunk.start));
+        publish(transcript_, assembly.text());
+        QFile::remove(url);
+    }
+    co_return assembly.text();
+}
+
+void SpeechTranscriber::confirm(const AudioRecording &recording) {
+    if (!QDir(recording.directory).removeRecursively())
+        publish(errorMessage_,
+                u"Transcription is complete, but the temporary audio could not be removed: "_s +
+                    recording.url);
+    publish(processingMessage_, u"Transcription complete"_s);
+}
+
+void SpeechTranscriber::keepForRecovery(const AudioRecording &recording,
+                                        const QStringList &problems) {
+    publish(recoveryAudioURL_, recording.url);
+    publish(errorMessage_,
+            u"The complete transcription could not be confirmed. Automatic paste was "
+            "skipped. Your original audio is saved at "_s +
+                recording.url + u". "_s + problems.join(u' '));
+    publish(processingMessage_, u"Recording kept for recovery"_s);
+}
+
+} // namespace lorvane

@@ -1,0 +1,99 @@
+#include "Services/SystemIntegration.h"
+
+#include "Platform/Keyboard.h"
+#include "Platform/Pasteboard.h"
+#include "Platform/Permissions.h"
+
+#include <QCoreApplication>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace lorvane {
+
+namespace {
+
+// What applications need to take a new front window, or a new focus, into account.
+constexpr auto activationWait = 180ms;
+constexpr auto focusWait = 80ms;
+
+} // namespace
+
+void SystemIntegration::copy(const QString &text) { ports_.pasteboard.setText(text); }
+
+std::optional<SystemIntegration::PasteDestination>
+SystemIntegration::captureDestination(const std::optional<RunningApplication> &fallback,
+                                      bool allowOwnApp) {
+    const auto frontmost = ports_.workspace.frontmostApplication();
+    const bool takeFrontmost =
+        frontmost && (allowOwnApp || frontmost->processId != QCoreApplication::applicationPid());
+    const auto &candidate = takeFrontmost ? frontmost : fallback;
+    if (!candidate || ports_.workspace.isTerminated(*candidate))
+        return std::nullopt;
+
+    PasteDestination destination{*candidate, std::nullopt};
+    if (accessibilityGranted())
+        destination.focusedElement = ports_.accessibility.focusedElement(*candidate);
+    return destination;
+}
+
+Async<bool> SystemIntegration::paste(QString text, std::optional<PasteDestination> destination) {
+    const std::stop_token cancellation = co_await currentCancellation;
+    copy(text);
+    if (cancellation.stop_requested() || !accessibilityGranted() || !destination)
+        co_return false;
+    const RunningApplication app = destination->app;
+    if (ports_.workspace.isTerminated(app))
+        co_return false;
+    if (!isInFront(app) && !ports_.workspace.activate(app))
+        co_return false;
+
+    co_await sleep(ports_.clock, activationWait);
+    if (cancellation.stop_requested() || !isInFront(app))
+        co_return false;
+    if (destination->focusedElement) {
+        const bool restored = co_await restoreFocus(app, *destination->focusedElement);
+        if (!restored)
+            co_return false;
+    }
+    co_return ports_.keyboard.postPaste();
+}
+
+Async<bool> SystemIntegration::restoreFocus(RunningApplication app, AccessibleElement element) {
+    const std::stop_token cancellation = co_await currentCancellation;
+    if (ports_.accessibility.focusedElement(app) == element)
+        co_return true;
+    if (!ports_.accessibility.setFocused(element))
+        co_return false;
+    co_await sleep(ports_.clock, focusWait);
+    if (cancellation.stop_requested() || !isInFront(app))
+        co_return false;
+    co_return ports_.accessibility.focusedElement(app) == element;
+}
+
+bool SystemIntegration::isInFront(const RunningApplication &app) const {
+    const auto frontmost = ports_.workspace.frontmostApplication();
+    return frontmost && frontmost->processId == app.processId;
+}
+
+bool SystemIntegration::accessibilityGranted() const {
+    return ports_.permissions.accessibilityTrusted();
+}
+
+void SystemIntegration::requestAccessibility() { ports_.permissions.requestAccessibility(); }
+
+QString SystemIntegration::privacyAddress(PrivacyPane pane) {
+    const QString prefix = u"x-apple.systempreferences:com.apple.preference.security?"_s;
+    switch (pane) {
+    case PrivacyPane::microphone: return prefix + u"Privacy_Microphone"_s;
+    case PrivacyPane::speech: return prefix + u"Privacy_SpeechRecognition"_s;
+    case PrivacyPane::accessibility: return prefix + u"Privacy_Accessibility"_s;
+    }
+    Q_UNREACHABLE();
+}
+
+void SystemIntegration::openPrivacySettings(PrivacyPane pane) {
+    ports_.workspace.openAddress(privacyAddress(pane));
+}
+
+} // namespace lorvane

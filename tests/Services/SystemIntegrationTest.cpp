@@ -1,0 +1,233 @@
+#include "Services/SystemIntegration.h"
+
+#include "Fakes/FakePorts.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace lorvane {
+namespace {
+
+const RunningApplication editor{42, 1, 100};
+const RunningApplication browser{43, 2, 101};
+const AccessibleElement field{u":1.5"_s, u"/field"_s};
+const AccessibleElement otherField{u":1.5"_s, u"/other"_s};
+
+class SystemIntegrationTest : public testing::Test {
+protected:
+    FakePorts ports;
+    SystemIntegration integration{ports};
+    std::optional<bool> pasted;
+    Task<> task;
+
+    void SetUp() override {
+        ports.workspace.front = editor;
+        ports.accessibility.focused[editor.processId] = field;
+    }
+
+    Async<> run(std::optional<SystemIntegration::PasteDestination> destination) {
+        pasted = co_await integration.paste(u"Hello."_s, destination);
+    }
+
+    void paste(const std::optional<SystemIntegration::PasteDestination> &destination) {
+        task = Task<>::run(run(destination));
+    }
+
+    void expectGaveUp() {
+        clock().advance(1s);
+        EXPECT_EQ(pasted, false);
+        EXPECT_EQ(ports.keyboard.pasteCount, 0);
+        EXPECT_EQ(ports.pasteboard.text, u"Hello."_s) << "the text isn't on the pasteboard";
+    }
+
+    FakeClock &clock() { return ports.clock; }
+};
+
+// Capturing
+
+TEST_F(SystemIntegrationTest, CapturesTheFrontApplicationAndItsFocusedElement) {
+    const auto destination = integration.captureDestination(std::nullopt);
+    ASSERT_TRUE(destination);
+    EXPECT_EQ(destination->app, editor);
+    EXPECT_EQ(destination->focusedElement, field);
+}
+
+TEST_F(SystemIntegrationTest, OwnApplicationIsCapturedOnlyWhenAllowed) {
+    const RunningApplication own{QCoreApplication::applicationPid(), 9, 9};
+    ports.workspace.front = own;
+    EXPECT_EQ(integration.captureDestination(editor, true)->app, own);
+    EXPECT_EQ(integration.captureDestination(editor, false)->app, editor);
+    EXPECT_EQ(integration.captureDestination(editor, false)->focusedElement, field);
+    EXPECT_FALSE(integration.captureDestination(std::nullopt, false));
+}
+
+TEST_F(SystemIntegrationTest, FallbackStandsInWhenNothingIsInFront) {
+    ports.workspace.front = std::nullopt;
+    EXPECT_EQ(integration.captureDestination(browser, true)->app, browser);
+}
+
+TEST_F(SystemIntegrationTest, TerminatedCandidateIsNotCaptured) {
+    ports.workspace.terminated.insert(editor.processId);
+    EXPECT_FALSE(integration.captureDestination(std::nullopt));
+}
+
+TEST_F(SystemIntegrationTest, CaptureWithoutTheGrantAsksForNoElement) {
+    ports.permissions.accessibility = false;
+    const auto destination = integration.captureDestination(std::nullopt);
+    ASSERT_TRUE(destination);
+    EXPECT_FALSE(destination->focusedElement);
+    EXPECT_EQ(ports.accessibility.focusedElementCount, 0);
+}
+
+// Pasting
+
+TEST_F(SystemIntegrationTest, TargetInFrontIsNotActivatedButWaitedForAllTheSame) {
+    paste({{editor, field}});
+    EXPECT_EQ(ports.log, QStringList{u"setText"_s});
+    clock().advance(180ms - 1ns);
+    EXPECT_EQ(ports.keyboard.pasteCount, 0);
+    clock().advance(1ns);
+    EXPECT_EQ(pasted, true);
+    EXPECT_EQ(ports.log, QStringList({u"setText"_s, u"postPaste"_s}));
+}
+
+TEST_F(SystemIntegrationTest, TargetBehindIsActivatedFirst) {
+    ports.workspace.front = browser;
+    paste({{editor, field}});
+    clock().advance(180ms);
+    EXPECT_EQ(pasted, true);
+    EXPECT_EQ(ports.log, QStringList({u"setText"_s, u"activate 42"_s, u"postPaste"_s}));
+}
+
+TEST_F(SystemIntegrationTest, LostFocusIsRestoredWithASecondWait) {
+    ports.accessibility.focused[editor.processId] = otherField;
+    paste({{editor, field}});
+    clock().advance(260ms - 1ns);
+    EXPECT_EQ(ports.keyboard.pasteCount, 0);
+    clock().advance(1ns);
+    EXPECT_EQ(pasted, true);
+    EXPECT_EQ(ports.log, QStringList({u"setText"_s, u"setFocused :1.5/field"_s, u"postPaste"_s}));
+}
+
+TEST_F(SystemIntegrationTest, DestinationWithoutElementPastesIntoWhateverHasTheFocus) {
+    ports.accessibility.focused.clear();
+    paste({{editor, std::nullopt}});
+    clock().advance(180ms);
+    EXPECT_EQ(pasted, true);
+    EXPECT_EQ(ports.accessibility.focusedElementCount, 0);
+}
+
+TEST_F(SystemIntegrationTest, GivesUpWithoutTheGrantAndActivatesNothing) {
+    ports.permissions.accessibility = false;
+    ports.workspace.front = browser;
+    paste({{editor, field}});
+    expectGaveUp();
+    EXPECT_TRUE(ports.workspace.activated.isEmpty());
+}
+
+TEST_F(SystemIntegrationTest, GivesUpWithoutDestination) {
+    paste(std::nullopt);
+    expectGaveUp();
+}
+
+TEST_F(SystemIntegrationTest, GivesUpWhenTheTargetHasQuit) {
+    ports.workspace.front = browser;
+    ports.workspace.terminated.insert(editor.processId);
+    paste({{editor, field}});
+    expectGaveUp();
+    EXPECT_TRUE(ports.workspace.activated.isEmpty());
+}
+
+TEST_F(SystemIntegrationTest, GivesUpWhenTheActivationIsRefused) {
+    ports.workspace.front = browser;
+    ports.workspace.canActivate = false;
+    paste({{editor, field}});
+    EXPECT_EQ(pasted, false) << "it waited";
+    expectGaveUp();
+}
+
+TEST_F(SystemIntegrationTest, GivesUpWhenTheActivationTakesNoEffect) {
+    ports.workspace.front = browser;
+    ports.workspace.activationTakesEffect = false;
+    paste({{editor, field}});
+    expectGaveUp();
+}
+
+TEST_F(SystemIntegrationTest, GivesUpWhenTheUserSwitchesAwayDuringTheFirstWait) {
+    paste({{editor, field}});
+    clock().advance(100ms);
+    ports.workspace.bringForward(browser);
+    expectGaveUp();
+}
+
+TEST_F(SystemIntegrationTest, GivesUpWhenNothingIsInFrontAfterTheFirstWait) {
+    paste({{editor, field}});
+    ports.workspace.front = std::nullopt;
+    expectGaveUp();
+}
+
+TEST_F(SystemIntegrationTest, GivesUpWhenTheFieldRefusesTheFocus) {
+    ports.accessibility.focused[editor.processId] = otherField;
+    ports.accessibility.canSetFocus = false;
+    paste({{editor, field}});
+    expectGaveUp();
+}
+
+TEST_F(SystemIntegrationTest, GivesUpWhenTheUserSwitchesAwayDuringTheSecondWait) {
+    ports.accessibility.focused[editor.processId] = otherField;
+    paste({{editor, field}});
+    clock().advance(200ms);
+    ports.workspace.bringForward(browser);
+    expectGaveUp();
+}
+
+TEST_F(SystemIntegrationTest, GivesUpWhenAnotherElementHasTheFocusInTheEnd) {
+    ports.accessibility.focused[editor.processId] = otherField;
+    ports.accessibility.focusTakesEffect = false;
+    paste({{editor, field}});
+    expectGaveUp();
+}
+
+TEST_F(SystemIntegrationTest, GivesUpWhenTheKeyCannotBePosted) {
+    ports.keyboard.canPost = false;
+    paste({{editor, field}});
+    expectGaveUp();
+}
+
+TEST_F(SystemIntegrationTest, CancellationDuringEitherWaitPostsNoKey) {
+    for (const auto when : {100ms, 200ms}) {
+        ports.accessibility.focused[editor.processId] = otherField;
+        pasted.reset();
+        paste({{editor, field}});
+        clock().advance(when);
+        task.cancel();
+        expectGaveUp();
+    }
+}
+
+TEST_F(SystemIntegrationTest, CancelledBeforehandItOnlyCopies) {
+    task = Task<>::post(clock(), run({{editor, field}}));
+    task.cancel();
+    clock().runUntilIdle();
+    EXPECT_EQ(pasted, false);
+    EXPECT_EQ(ports.log, QStringList{u"setText"_s});
+}
+
+// Links
+
+TEST_F(SystemIntegrationTest, PrivacyPagesAreOpenedByTheirExactAddress) {
+    using Pane = SystemIntegration::PrivacyPane;
+    for (const auto pane : {Pane::microphone, Pane::speech, Pane::accessibility})
+        integration.openPrivacySettings(pane);
+    const QString prefix = u"x-apple.systempreferences:com.apple.preference.security?"_s;
+    EXPECT_EQ(ports.workspace.openedAddresses, QStringList({prefix + u"Privacy_Microphone"_s,
+                                                            prefix + u"Privacy_SpeechRecognition"_s,
+                                                            prefix + u"Privacy_Accessibility"_s}));
+}
+
+} // namespace
+} // namespace lorvane
