@@ -2,8 +2,6 @@
 
 #include "Platform/Clock.h"
 
-#include <QTimeZone>
-
 #include <deque>
 #include <map>
 #include <mutex>
@@ -19,7 +17,7 @@ public:
     /// Keeps background work waiting until it is false again, to see what happens meanwhile.
     bool holdsBackground = false;
 
-    explicit FakeClock(QDateTime start = QDateTime({2026, 3, 14}, {9, 26, 53}, QTimeZone::utc()))
+    explicit FakeClock(QDateTime start = QDateTime({2026, 3, 14}, {9, 26, 53}, Qt::UTC))
         : start_(std::move(start)) {}
 
     QDateTime now() const override {

@@ -141,7 +141,7 @@ std::unique_ptr<AudioFileWriter> SndfileAudioFile::openForWriting(const QString 
     info.format = SF_FORMAT_CAF | SF_FORMAT_FLOAT;
     info.samplerate = int(std::lround(format.sampleRate));
     info.channels = format.channelCount;
-    if (!sf_format_check(&info))
+    if (!format.isUsable() || !sf_format_check(&info))
         throw LocalizedError(QStringLiteral("The audio format can’t be written to a file"));
 
     Descriptor descriptor(path, O_RDWR | O_CREAT | O_TRUNC);

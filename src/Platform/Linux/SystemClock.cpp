@@ -1,5 +1,7 @@
 #include "Platform/Linux/SystemClock.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QTimer>
 
 #include <algorithm>
@@ -16,9 +18,7 @@ SystemClock::~SystemClock() { threads_.waitForDone(); }
 
 QDateTime SystemClock::now() const { return QDateTime::currentDateTimeUtc(); }
 
-void SystemClock::post(Work work) {
-    QMetaObject::invokeMethod(&queue_, std::move(work), Qt::QueuedConnection);
-}
+void SystemClock::post(Work work) { queue_.post(std::move(work)); }
 
 Clock::TimerId SystemClock::callAfter(std::chrono::nanoseconds delay, Work work) {
     using std::chrono::milliseconds;
@@ -40,6 +40,33 @@ Clock::TimerId SystemClock::callAfter(std::chrono::nanoseconds delay, Work work)
 
 void SystemClock::cancelTimer(TimerId timer) { delete timers_.take(timer); }
 
-void SystemClock::runInBackground(Work work) { threads_.start(std::move(work)); }
+void SystemClock::runInBackground(Work work) {
+    background_.put(std::move(work));
+    threads_.start([this] { background_.take()(); });
+}
+
+void SystemClock::MainQueue::post(Work work) {
+    posted_.put(std::move(work));
+    QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+}
+
+bool SystemClock::MainQueue::event(QEvent *event) {
+    if (event->type() != QEvent::User)
+        return QObject::event(event);
+    posted_.take()();
+    return true;
+}
+
+void SystemClock::Handover::put(Work work) {
+    const std::lock_guard lock(mutex_);
+    works_.push_back(std::move(work));
+}
+
+Clock::Work SystemClock::Handover::take() {
+    const std::lock_guard lock(mutex_);
+    Work work = std::move(works_.front());
+    works_.pop_front();
+    return work;
+}
 
 } // namespace lorvane

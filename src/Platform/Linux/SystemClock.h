@@ -6,6 +6,9 @@
 #include <QObject>
 #include <QThreadPool>
 
+#include <deque>
+#include <mutex>
+
 class QTimer;
 
 namespace lorvane {
@@ -24,9 +27,32 @@ public:
     void runInBackground(Work work) override;
 
 private:
-    QObject queue_; // receives what is posted and owns the timers
+    /// Hands work from thread to thread under a lock of our own, which the thread sanitizer can
+    /// follow; it can't follow Qt's.
+    class Handover {
+    public:
+        void put(Work work);
+        Work take();
+
+    private:
+        std::mutex mutex_;
+        std::deque<Work> works_;
+    };
+
+    /// Runs one piece of posted work for each event that reaches it, and owns the timers.
+    class MainQueue final : public QObject {
+    public:
+        void post(Work work);
+        bool event(QEvent *event) override;
+
+    private:
+        Handover posted_;
+    };
+
+    MainQueue queue_;
     QHash<TimerId, QTimer *> timers_;
     TimerId lastTimer_ = 0;
+    Handover background_;
     QThreadPool threads_;
 };
 

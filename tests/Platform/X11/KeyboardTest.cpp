@@ -1,0 +1,165 @@
+#include "Platform/Keyboard.h"
+
+#include "Fakes/FakeKeyboard.h"
+#include "Platform/Linux/KeyboardMap.h"
+#include "Platform/Linux/XTestKeyboard.h"
+#include "Platform/Linux/XcbHotKey.h"
+#include "Platform/X11/VirtualDesktop.h"
+#include "Platform/X11/X11Client.h"
+
+#include <QElapsedTimer>
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <csignal>
+#include <vector>
+
+namespace lorvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+[[maybe_unused]] const bool inDesktop = VirtualDesktop::use(VirtualDesktop::windowManager);
+
+constexpr xcb_keysym_t shiftLeft = 0xffe1;
+constexpr xcb_keysym_t superLeft = 0xffeb;
+constexpr xcb_keysym_t levelThreeShift = 0xfe03;
+
+/// A window with the focus, and a keyboard that types into it.
+class XTestKeyboardTest : public testing::Test {
+protected:
+    void SetUp() override {
+        window = user.showWindow(0);
+        ASSERT_TRUE(waitUntil([&] { return user.activeWindow() == window; }));
+        ASSERT_TRUE(waitUntil([&] { return hasFocus(); }));
+        user.keyPresses.clear();
+    }
+    void TearDown() override { setLayout(QStringLiteral("us")); }
+
+    bool hasFocus() {
+        const auto focus = user.connection().reply<xcb_get_input_focus_reply_t>(
+            xcb_get_input_focus(user.connection().get()), QDeadlineTimer(1s));
+        return focus && focus->focus == window;
+    }
+
+    void setLayout(const QString &layout, const QString &variant = {}) {
+        QProcess &process = VirtualDesktop::current().start(
+            QStringLiteral("setxkbmap"),
+            {QStringLiteral("-layout"), layout, QStringLiteral("-variant"), variant});
+        ASSERT_TRUE(waitUntil([&] { return process.state() == QProcess::NotRunning; }));
+    }
+
+    /// The window got one key, with Control alone.
+    bool awaitPaste(xcb_keycode_t key) {
+        constexpr uint16_t modifiers = 0xff;
+        const auto isPaste = [&](const xcb_key_press_event_t &event) {
+            return event.detail == key && (event.state & modifiers) == XCB_MOD_MASK_CONTROL;
+        };
+        return waitUntil([&] { return std::ranges::count_if(user.keyPresses, isPaste) == 1; }, 2s);
+    }
+
+    X11Client user;
+    xcb_window_t window = 0;
+    XTestKeyboard keyboard;
+};
+
+TEST_F(XTestKeyboardTest, TypesControlAndVOnce) {
+    ASSERT_TRUE(keyboard.isAvailable());
+    ASSERT_TRUE(keyboard.postPaste());
+    EXPECT_TRUE(awaitPaste(user.key(KeySymbol::v)));
+    EXPECT_EQ(user.keyPresses.size(), 2u);
+    EXPECT_FALSE(user.isDown(user.key(KeySymbol::v)));
+    EXPECT_FALSE(user.isDown(user.key(KeySymbol::controlLeft)));
+}
+
+TEST_F(XTestKeyboardTest, ReleasesWhatTheUserHoldsAndDoesNotPressItAgain) {
+    const std::vector<xcb_keysym_t> held = {KeySymbol::controlLeft, KeySymbol::altLeft, shiftLeft,
+                                            superLeft, levelThreeShift};
+    for (const xcb_keysym_t symbol : held)
+        user.press(symbol);
+    ASSERT_TRUE(keyboard.postPaste());
+    EXPECT_TRUE(awaitPaste(user.key(KeySymbol::v)));
+    for (const xcb_keysym_t symbol : held)
+        EXPECT_FALSE(user.isDown(user.key(symbol))) << symbol;
+}
+
+TEST_F(XTestKeyboardTest, ReachesTheWindowWhileTheShortcutIsHeldDown) {
+    XcbHotKey hotKey;
+    bool isHeld = false;
+    ASSERT_EQ(hotKey.registerHotKey({1, 1}, [&](const HotKeyEvent &e) { isHeld = e.isPressed; }),
+              0);
+    user.press(KeySymbol::controlLeft);
+    user.press(KeySymbol::altLeft);
+    user.press(KeySymbol::space);
+    ASSERT_TRUE(waitUntil([&] { return isHeld; }));
+    ASSERT_TRUE(keyboard.postPaste());
+    EXPECT_TRUE(awaitPaste(user.key(KeySymbol::v)));
+    EXPECT_TRUE(waitUntil([&] { return !isHeld; }));
+}
+
+TEST_F(XTestKeyboardTest, LocksStayAsTheyAre) {
+    user.tap(KeySymbol::numLock);
+    user.keyPresses.clear();
+    ASSERT_TRUE(keyboard.postPaste());
+    const xcb_keycode_t key = user.key(KeySymbol::v);
+    EXPECT_TRUE(waitUntil([&] {
+        return !user.keyPresses.empty() && user.keyPresses.back().detail == key &&
+               user.keyPresses.back().state == (XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_2);
+    }));
+    user.tap(KeySymbol::numLock);
+}
+
+TEST_F(XTestKeyboardTest, FindsVWhereTheLayoutHasIt) {
+    const xcb_keycode_t place = user.key(KeySymbol::v);
+    setLayout(QStringLiteral("us"), QStringLiteral("dvorak"));
+    ASSERT_NE(user.key(KeySymbol::v), place);
+    ASSERT_TRUE(keyboard.postPaste());
+    EXPECT_TRUE(awaitPaste(user.key(KeySymbol::v)));
+}
+
+TEST_F(XTestKeyboardTest, FindsVInAnotherLayoutWhenThePresentOneHasNone) {
+    const xcb_keycode_t place = user.key(KeySymbol::v);
+    setLayout(QStringLiteral("ru,us"));
+    ASSERT_TRUE(keyboard.postPaste());
+    EXPECT_TRUE(awaitPaste(place));
+}
+
+TEST_F(XTestKeyboardTest, PostsNothingWhenNoLayoutHasV) {
+    setLayout(QStringLiteral("ru"));
+    user.press(KeySymbol::altLeft);
+    EXPECT_FALSE(keyboard.postPaste());
+    EXPECT_TRUE(user.isDown(user.key(KeySymbol::altLeft)));
+    user.release(KeySymbol::altLeft);
+}
+
+TEST(XTestKeyboardWithoutServer, IsNotAvailable) {
+    const QByteArray display = qgetenv("DISPLAY");
+    qunsetenv("DISPLAY");
+    XTestKeyboard keyboard;
+    EXPECT_FALSE(keyboard.isAvailable());
+    EXPECT_FALSE(keyboard.postPaste());
+    qputenv("DISPLAY", display);
+}
+
+TEST(XTestKeyboardWithoutServer, IsNotHeldUpByAStoppedServer) {
+    VirtualDesktop brief(VirtualDesktop::server);
+    XTestKeyboard keyboard;
+    ASSERT_TRUE(keyboard.postPaste());
+    ::kill(static_cast<pid_t>(brief.xServer().processId()), SIGSTOP);
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_FALSE(keyboard.postPaste());
+    EXPECT_LT(timer.elapsed(), 400);
+}
+
+TEST(FakeKeyboardContract, SaysWhetherItCouldPost) {
+    FakeKeyboard keyboard;
+    EXPECT_TRUE(keyboard.postPaste());
+    keyboard.canPost = false;
+    EXPECT_FALSE(keyboard.postPaste());
+    EXPECT_EQ(keyboard.pasteCount, 1);
+}
+
+} // namespace
+} // namespace lorvane

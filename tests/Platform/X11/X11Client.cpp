@@ -1,0 +1,132 @@
+#include "Platform/X11/X11Client.h"
+
+#include "Platform/Linux/KeyboardMap.h"
+
+#include <xcb/xtest.h>
+
+#include <chrono>
+#include <stdexcept>
+
+namespace lorvane {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+const QDeadlineTimer soon() { return QDeadlineTimer(5s); }
+
+} // namespace
+
+X11Client::X11Client()
+    : connection_([this](const xcb_generic_event_t &event) {
+          if (event.response_type == XCB_KEY_PRESS)
+              keyPresses.push_back(reinterpret_cast<const xcb_key_press_event_t &>(event));
+      }) {
+    if (connection_.error() != 0)
+        throw std::runtime_error("no X server");
+}
+
+void X11Client::synchronize() {
+    if (!connection_.synchronize(soon()))
+        throw std::runtime_error("the X server doesn't answer");
+}
+
+xcb_keycode_t X11Client::key(xcb_keysym_t symbol) {
+    const auto map = KeyboardMap::read(connection_, soon());
+    const auto keys = map ? map->keys(symbol) : std::vector<xcb_keycode_t>();
+    if (keys.empty())
+        throw std::runtime_error("no such key");
+    return keys.front();
+}
+
+void X11Client::tap(xcb_keysym_t symbol) {
+    press(symbol);
+    release(symbol);
+}
+
+void X11Client::pressKey(xcb_keycode_t key) {
+    xcb_test_fake_input(connection_.get(), XCB_KEY_PRESS, key, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+    synchronize();
+}
+
+void X11Client::releaseKey(xcb_keycode_t key) {
+    xcb_test_fake_input(connection_.get(), XCB_KEY_RELEASE, key, XCB_CURRENT_TIME, XCB_NONE, 0, 0,
+                        0);
+    synchronize();
+}
+
+bool X11Client::isDown(xcb_keycode_t key) {
+    const auto keymap =
+        connection_.reply<xcb_query_keymap_reply_t>(xcb_query_keymap(connection_.get()), soon());
+    return keymap && (keymap->keys[key / 8] & (1 << (key % 8)));
+}
+
+void X11Client::map(xcb_keycode_t key, xcb_keysym_t symbol) {
+    const xcb_keysym_t symbols[] = {symbol, symbol};
+    xcb_change_keyboard_mapping(connection_.get(), 1, key, 2, symbols);
+    synchronize();
+}
+
+int X11Client::grab(xcb_keycode_t key, uint16_t modifiers) {
+    const auto cookie =
+        xcb_grab_key_checked(connection_.get(), false, connection_.root(), modifiers, key,
+                             XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    const XcbPtr<xcb_generic_error_t> error(xcb_request_check(connection_.get(), cookie));
+    return error ? error->error_code : 0;
+}
+
+xcb_window_t X11Client::showWindow(qint64 processId) {
+    xcb_connection_t *const c = connection_.get();
+    const xcb_window_t window = xcb_generate_id(c);
+    const uint32_t events = XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE;
+    xcb_create_window(c, XCB_COPY_FROM_PARENT, window, connection_.root(), 0, 0, 300, 200, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK,
+                      &events);
+    if (processId != 0) {
+        const auto id = static_cast<uint32_t>(processId);
+        xcb_change_property(c, XCB_PROP_MODE_REPLACE, window,
+                            connection_.atom("_NET_WM_PID", soon()), XCB_ATOM_CARDINAL, 32, 1, &id);
+    }
+    xcb_map_window(c, window);
+    synchronize();
+    return window;
+}
+
+void X11Client::destroyWindow(xcb_window_t window) {
+    xcb_destroy_window(connection_.get(), window);
+    synchronize();
+}
+
+void X11Client::iconify(xcb_window_t window) {
+    constexpr uint32_t iconicState = 3;
+    ask(window, "WM_CHANGE_STATE", iconicState);
+}
+
+void X11Client::ask(xcb_window_t window, const char *message, uint32_t first, uint32_t second) {
+    xcb_client_message_event_t event = {};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = window;
+    event.type = connection_.atom(message, soon());
+    event.data.data32[0] = first;
+    event.data.data32[1] = second;
+    xcb_send_event(connection_.get(), false, connection_.root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                   reinterpret_cast<const char *>(&event));
+    synchronize();
+}
+
+uint32_t X11Client::value(xcb_window_t window, const char *name, xcb_atom_t type, uint32_t absent) {
+    const xcb_atom_t atom = connection_.atom(name, soon());
+    const auto property = connection_.reply<xcb_get_property_reply_t>(
+        xcb_get_property(connection_.get(), false, window, atom, type, 0, 1), soon());
+    if (!property || property->value_len != 1)
+        return absent;
+    return *static_cast<const uint32_t *>(xcb_get_property_value(property.get()));
+}
+
+xcb_window_t X11Client::activeWindow() {
+    return value(connection_.root(), "_NET_ACTIVE_WINDOW", XCB_ATOM_WINDOW);
+}
+
+} // namespace lorvane
