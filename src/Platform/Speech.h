@@ -76,8 +76,8 @@ public:
     virtual bool supportsOnDeviceRecognition() const = 0;
 
     /// A request for live audio of `format`, to be given to `recognize`.
-    virtual std::shared_ptr<SpeechBufferRequest> makeBufferRequest(const AudioFormat &format,
-                                                                   const SpeechOptions &options) = 0;
+    virtual std::shared_ptr<SpeechBufferRequest>
+    makeBufferRequest(const AudioFormat &format, const SpeechOptions &options) = 0;
 
     /// Recognises live audio until the task is cancelled.
     virtual std::unique_ptr<SpeechTask> recognize(std::shared_ptr<SpeechBufferRequest> request,

@@ -34,7 +34,8 @@ inline constexpr CurrentCancellation currentCancellation;
 
 namespace detail {
 
-template <class T> using Stored = std::conditional_t<std::is_void_v<T>, std::monostate, T>;
+template <class T>
+using Stored = std::conditional_t<std::is_void_v<T>, std::monostate, T>;
 
 struct CancellationScope {
     std::stop_token cancellation;
@@ -56,16 +57,21 @@ struct CancellationScope {
         std::stop_token await_resume() const { return token; }
     };
     TokenAwaiter await_transform(CurrentCancellation) const { return {cancellation}; }
-    template <class Awaitable> Awaitable &&await_transform(Awaitable &&awaitable) const {
+    template <class Awaitable>
+    Awaitable &&await_transform(Awaitable &&awaitable) const {
         return std::forward<Awaitable>(awaitable);
     }
 };
 
-template <class T> struct AsyncResult {
+template <class T>
+struct AsyncResult {
     std::optional<T> value;
     std::exception_ptr error;
 
-    template <class U> void return_value(U &&result) { value.emplace(std::forward<U>(result)); }
+    template <class U>
+    void return_value(U &&result) {
+        value.emplace(std::forward<U>(result));
+    }
     void unhandled_exception() { error = std::current_exception(); }
     T take() {
         if (error)
@@ -74,7 +80,8 @@ template <class T> struct AsyncResult {
     }
 };
 
-template <> struct AsyncResult<void> {
+template <>
+struct AsyncResult<void> {
     std::exception_ptr error;
 
     void return_void() {}
@@ -87,7 +94,8 @@ template <> struct AsyncResult<void> {
 
 } // namespace detail
 
-template <class T = void> class [[nodiscard]] Async {
+template <class T = void>
+class [[nodiscard]] Async {
 public:
     struct promise_type : detail::CancellationScope, detail::AsyncResult<T> {
         std::coroutine_handle<> awaiter;
@@ -118,8 +126,10 @@ public:
 
     bool await_ready() const noexcept { return false; }
     /// Runs the function here and suspends the awaiter only if it doesn't finish: a chain of jumps
-    /// would grow the stack in a loop of functions that finish at once, in builds without tail calls.
-    template <class Promise> bool await_suspend(std::coroutine_handle<Promise> awaiter) {
+    /// would grow the stack in a loop of functions that finish at once, in builds without tail
+    /// calls.
+    template <class Promise>
+    bool await_suspend(std::coroutine_handle<Promise> awaiter) {
         coroutine_.promise().cancellation = awaiter.promise().cancellation;
         coroutine_.resume();
         if (coroutine_.done())
@@ -136,7 +146,8 @@ private:
 };
 
 /// A handle of a running task; a default one is absent. Dropping the handle lets the task run on.
-template <class T = void> class Task {
+template <class T = void>
+class Task {
 public:
     Task() = default;
 
@@ -228,7 +239,8 @@ private:
 
 /// A one-shot handle that resumes a suspended function, in a turn of the main queue of its own.
 /// Only the first `resume` counts. Copies share the handle. Any thread.
-template <class T> class Continuation {
+template <class T>
+class Continuation {
 public:
     void resume(T value) const {
         {
@@ -241,7 +253,8 @@ public:
     }
 
 private:
-    template <class U, class SetUp> friend auto suspend(Clock &clock, SetUp setUp);
+    template <class U, class SetUp>
+    friend auto suspend(Clock &clock, SetUp setUp);
 
     struct State {
         Clock &clock;
@@ -256,7 +269,8 @@ private:
 
 /// Suspends the caller: `setUp` is called with the Continuation<T> that resumes it.
 ///     const int answer = co_await suspend<int>(clock, [&](Continuation<int> c) { ask(c); });
-template <class U, class SetUp> auto suspend(Clock &clock, SetUp setUp) {
+template <class U, class SetUp>
+auto suspend(Clock &clock, SetUp setUp) {
     using State = typename Continuation<U>::State;
     struct Awaiter {
         std::shared_ptr<State> state;
