@@ -8,27 +8,19 @@ from .session import run
 SHORTCUT = ("Control_L", "Alt_L", "space")
 
 
-def press(*keys):
-    run("xdotool", "keydown", *keys, check=True)
-
-
-def release(*keys):
-    run("xdotool", "keyup", *keys, check=True)
-
-
 @contextlib.contextmanager
 def held_shortcut():
     """Holds the shortcut. Gives a list that gets the moment of the press, then of the release."""
-    moments = []
-    press(*SHORTCUT)
-    moments.append(time.monotonic())
+    moments = [time.monotonic()]
+    run("xdotool", "keydown", "--delay", "0", *SHORTCUT, check=True)
     try:
         yield moments
     finally:
-        release(*reversed(SHORTCUT))
         moments.append(time.monotonic())
+        run("xdotool", "keyup", "--delay", "0", *reversed(SHORTCUT), check=True)
 
 
 def tap_shortcut():
     """Presses and releases the shortcut faster than a microphone can get ready."""
-    run("xdotool", "keydown", *SHORTCUT, "keyup", *reversed(SHORTCUT), check=True)
+    run("xdotool", "keydown", "--delay", "0", *SHORTCUT,
+        "keyup", "--delay", "0", *reversed(SHORTCUT), check=True)

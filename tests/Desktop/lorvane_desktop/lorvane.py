@@ -29,6 +29,10 @@ class Lorvane:
         session.grant("devices", "microphone", APPLICATION_ID)
         session.grant("lorvane", "speech-recognition", APPLICATION_ID)
         self._session = session
+        # As somebody who has been through the setup guide.
+        settings = Path(os.environ["XDG_CONFIG_HOME"]) / "lorvane/lorvane.conf"
+        settings.parent.mkdir()
+        settings.write_text("[General]\nLorvane.didCompleteSetup=true\n")
         self.folder = Path(os.environ["XDG_DATA_HOME"]) / "Lorvane"
         self.process = session.spawn("lorvane", BINARY)
         self._banner = None
@@ -100,9 +104,10 @@ class Lorvane:
         recovery = self.folder / "Recovery"
         return sorted(recovery.iterdir()) if recovery.exists() else []
 
-    def resident_megabytes(self):
+    def megabytes(self, kind="VmRSS"):
+        """Resident memory: now, or the most so far ("VmHWM")."""
         status = Path(f"/proc/{self.process.pid}/status").read_text()
-        return int(status.split("VmRSS:")[1].split()[0]) / 1024
+        return int(status.split(f"{kind}:")[1].split()[0]) / 1024
 
 
 def overlay_is_shown():
