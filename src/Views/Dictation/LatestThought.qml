@@ -1,0 +1,61 @@
+import QtQuick
+import QtQuick.Layouts
+import Lorvane
+
+// The newest record, or what stands in its place before there is one.
+LorCard {
+    id: card
+
+    required property QtObject home
+
+    signal copy
+
+    spacing: 15
+
+    LorEmptyState {
+        visible: !card.home.hasLatest
+        icon: "text.bubble"
+        title: "It starts with a thought."
+        message: "Your completed dictations will appear here. Tap the microphone above to make your first one."
+    }
+
+    RowLayout {
+        Layout.fillWidth: true
+        visible: card.home.hasLatest
+
+        LorText {
+            text: card.home.latestDate
+            color: LorPalette.muted
+            font.pixelSize: 11
+        }
+
+        Item {
+            Layout.fillWidth: true
+        }
+
+        LorText {
+            text: card.home.latestWords
+            color: LorPalette.muted
+            font.pixelSize: 11
+        }
+    }
+
+    LorSelectableText {
+        Layout.fillWidth: true
+        visible: card.home.hasLatest
+        text: card.home.latestText
+        font.pixelSize: 14
+        lineSpacing: 5
+        maximumLineCount: 4
+    }
+
+    LorPlainButton {
+        visible: card.home.hasLatest
+        text: "Copy text"
+        symbol: "doc.on.doc"
+        color: LorPalette.accent
+        font.pixelSize: 11
+        font.weight: Font.Medium
+        onClicked: card.copy()
+    }
+}

@@ -1,0 +1,41 @@
+import QtQuick
+import QtQuick.Templates as T
+import Lorvane
+
+// What all buttons share: they answer to mouse, keyboard and assistive technology alike, and show
+// where the keyboard focus is.
+T.AbstractButton {
+    id: button
+
+    property real focusRadius: 6
+
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+    focusPolicy: Qt.StrongFocus
+    hoverEnabled: true
+    opacity: enabled ? 1 : 0.5
+
+    Keys.onReturnPressed: click()
+    Keys.onEnterPressed: click()
+
+    Accessible.role: Accessible.Button
+    Accessible.name: text
+    Accessible.onPressAction: {
+        if (enabled)
+            click();
+    }
+
+    HoverHandler {
+        cursorShape: Qt.PointingHandCursor
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: -3
+        visible: button.visualFocus
+        radius: button.focusRadius + 3
+        color: "transparent"
+        border.width: 2
+        border.color: LorPalette.translucent(LorPalette.accent, 0.6)
+    }
+}

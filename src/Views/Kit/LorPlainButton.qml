@@ -1,0 +1,36 @@
+import QtQuick
+import QtQuick.Layouts
+import Lorvane
+
+// A borderless button: a text, an icon, or both.
+LorButton {
+    id: button
+
+    property string symbol: ""
+    property color color: LorPalette.ink
+    property bool showsText: true
+
+    font.pixelSize: 12
+
+    contentItem: RowLayout {
+        spacing: 6
+
+        LorSymbol {
+            visible: button.symbol !== ""
+            name: button.symbol === "" ? "circle" : button.symbol
+            size: button.font.pixelSize + 1
+            color: button.color
+            opacity: button.down ? 0.6 : 1
+        }
+
+        Text {
+            visible: button.showsText
+            text: button.text
+            font: button.font
+            color: button.color
+            opacity: button.down ? 0.6 : 1
+            textFormat: Text.PlainText
+            Accessible.ignored: true
+        }
+    }
+}

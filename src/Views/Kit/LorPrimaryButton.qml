@@ -1,0 +1,29 @@
+import QtQuick
+import Lorvane
+
+// The button that a page wants to be pressed.
+LorButton {
+    id: button
+
+    horizontalPadding: 18
+    verticalPadding: 11
+    font.pixelSize: 13
+    font.weight: Font.DemiBold
+    focusRadius: 9
+    opacity: 1
+
+    background: Rectangle {
+        radius: 9
+        color: LorPalette.translucent(LorPalette.accent, button.down ? 0.75 : 1)
+    }
+
+    contentItem: Text {
+        text: button.text
+        font: button.font
+        color: "white"
+        textFormat: Text.PlainText
+        horizontalAlignment: Text.AlignHCenter
+        verticalAlignment: Text.AlignVCenter
+        Accessible.ignored: true
+    }
+}

@@ -1,0 +1,22 @@
+import QtQuick
+import QtQuick.Window
+
+// The soft shadow of a rounded rectangle of the same size; it reaches out by `blur`.
+Item {
+    id: shadow
+
+    property color color: Qt.rgba(0, 0, 0, 0.18)
+    property real blur: 12
+    property real cornerRadius: 0
+
+    readonly property real scaling: Screen.devicePixelRatio
+
+    Image {
+        anchors.fill: parent
+        anchors.margins: -shadow.blur
+        sourceSize: Qt.size(Math.round(width * shadow.scaling), Math.round(height * shadow.scaling))
+        source: `image://shadow/${shadow.cornerRadius * shadow.scaling}/${shadow.blur * shadow.scaling}/`
+                + shadow.color.toString().slice(1)
+        Accessible.ignored: true
+    }
+}

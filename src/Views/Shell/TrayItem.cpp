@@ -1,0 +1,57 @@
+#include "Views/Shell/TrayItem.h"
+
+#include "AppStore/AppStore.h"
+#include "Views/Kit/Symbols.h"
+#include "Views/Shell/MainWindow.h"
+
+#include <QCoreApplication>
+
+namespace lorvane {
+
+namespace {
+
+/// The accent stands out on light and dark panels alike.
+QIcon trayIcon(bool isRecording) {
+    return Symbols::icon(isRecording ? u"waveform.circle.fill"_qs : u"waveform"_qs,
+                         QColor::fromRgbF(0.83F, 0.29F, 0.13F));
+}
+
+} // namespace
+
+TrayItem::TrayItem(AppStore &store, MainWindow &window, QObject *parent)
+    : QObject(parent), store_(store), icon_(trayIcon(false)) {
+    menu_.addAction(u"Open Lorvane"_qs, &window, &MainWindow::open);
+    menu_.addSeparator();
+    toggle_ = menu_.addAction(QString(), &store_, &AppStore::toggleRecording);
+    cancel_ = menu_.addAction(u"Cancel Dictation"_qs, &store_, &AppStore::cancelRecording);
+    menu_.addAction(u"Hold ⌃⌥Space · release to paste"_qs)->setEnabled(false);
+    menu_.addSeparator();
+    menu_.addAction(u"Quit Lorvane"_qs, this, [this] {
+        store_.shutdown();
+        QCoreApplication::quit();
+    });
+
+    connect(&store_, &AppStore::dictationChanged, this, &TrayItem::refresh);
+    connect(&store_, &AppStore::isBusyChanged, this, &TrayItem::refresh);
+    refresh();
+
+    icon_.setToolTip(u"Lorvane"_qs);
+    icon_.setContextMenu(&menu_);
+    icon_.show();
+}
+
+TrayItem::~TrayItem() = default;
+
+void TrayItem::refresh() {
+    const bool isRecording = store_.isRecording();
+    toggle_->setText(isRecording ? u"Finish Dictation"_qs : u"Start Dictation"_qs);
+    toggle_->setEnabled(!store_.isBusy());
+    cancel_->setVisible(isRecording);
+    // The store tells of every buffer of the microphone; the panel needn't hear of each.
+    if (isRecording != showsRecording_) {
+        showsRecording_ = isRecording;
+        icon_.setIcon(trayIcon(isRecording));
+    }
+}
+
+} // namespace lorvane

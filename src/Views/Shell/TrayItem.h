@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QMenu>
+#include <QObject>
+#include <QSystemTrayIcon>
+
+#include <memory>
+
+namespace lorvane {
+
+class AppStore;
+class MainWindow;
+
+/// The item in the desktop's panel, which keeps the application in reach while its window is
+/// closed. Needs a QApplication. Main thread only.
+class TrayItem : public QObject {
+    Q_OBJECT
+public:
+    /// Shows the item. `store` and `window` outlive it.
+    TrayItem(AppStore &store, MainWindow &window, QObject *parent = nullptr);
+    ~TrayItem() override;
+
+    /// The menu that the item opens.
+    QMenu &menu() { return menu_; }
+
+private:
+    void refresh();
+
+    AppStore &store_;
+    QMenu menu_;
+    QAction *toggle_ = nullptr;
+    QAction *cancel_ = nullptr;
+    QSystemTrayIcon icon_;
+    bool showsRecording_ = false;
+};
+
+} // namespace lorvane

@@ -1,0 +1,20 @@
+#include "Views/Shell/ViewEngine.h"
+
+#include "Views/Dictation/HomeModel.h"
+#include "Views/Kit/LineSpacing.h"
+#include "Views/Kit/Shadow.h"
+#include "Views/Kit/Symbols.h"
+#include "Views/Setup/SetupModel.h"
+
+namespace lorvane {
+
+ViewEngine::ViewEngine(QObject *parent) : QQmlEngine(parent) {
+    qmlRegisterType<HomeModel>("Lorvane.Models", 1, 0, "HomeModel");
+    qmlRegisterType<LineSpacing>("Lorvane.Models", 1, 0, "LineSpacing");
+    qmlRegisterType<SetupModel>("Lorvane.Models", 1, 0, "SetupModel");
+    addImportPath(u"qrc:/qt/qml"_qs);
+    addImageProvider(u"shadow"_qs, new ShadowProvider);
+    addImageProvider(u"symbol"_qs, new SymbolProvider);
+}
+
+} // namespace lorvane
