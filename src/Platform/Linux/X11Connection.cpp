@@ -51,12 +51,25 @@ void *X11Connection::waitForReply(unsigned int sequence, const QDeadlineTimer &d
         }
     }
     std::free(failure);
-    // The notifier doesn't wake for events that were read on the way.
+    postDelivery();
+    return reply;
+}
+
+bool X11Connection::flush() {
+    const bool sent = xcb_flush(connection_) > 0;
+    postDelivery();
+    return sent;
+}
+
+/// xcb reads events while it waits, and also while it writes: the notifier doesn't wake for those.
+void X11Connection::postDelivery() {
+    XcbPtr<xcb_generic_event_t> event(xcb_poll_for_queued_event(connection_));
+    if (event)
+        events_.push_back(std::move(event));
     if (!events_.empty() && !std::exchange(deliveryPosted_, true)) {
         QMetaObject::invokeMethod(
             context_.get(), [this] { deliverEvents(); }, Qt::QueuedConnection);
     }
-    return reply;
 }
 
 bool X11Connection::readEvent() {

@@ -46,6 +46,8 @@ public:
     XcbPtr<Reply> reply(Cookie cookie, const QDeadlineTimer &deadline) {
         return XcbPtr<Reply>(static_cast<Reply *>(waitForReply(cookie.sequence, deadline)));
     }
+    /// Sends everything; false if there is no server any more.
+    bool flush();
     /// Sends everything and waits until the server has worked on it; false if it is too late.
     bool synchronize(const QDeadlineTimer &deadline);
     /// The server's number of a name, which is remembered; 0 if it doesn't answer.
@@ -54,6 +56,7 @@ public:
 private:
     void *waitForReply(unsigned int sequence, const QDeadlineTimer &deadline);
     bool readEvent();
+    void postDelivery();
     void deliverEvents();
 
     xcb_connection_t *connection_;

@@ -69,7 +69,7 @@ bool XTestKeyboard::postPaste() {
     post(c, XCB_KEY_PRESS, paste);
     post(c, XCB_KEY_RELEASE, paste);
     post(c, XCB_KEY_RELEASE, control);
-    return xcb_flush(c) > 0;
+    return connection_->flush();
 }
 
 } // namespace lorvane

@@ -35,7 +35,7 @@ XcbWorkspace::XcbWorkspace()
     const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_change_window_attributes(connection_->get(), connection_->root(), XCB_CW_EVENT_MASK,
                                  &events);
-    xcb_flush(connection_->get());
+    connection_->flush();
 }
 
 XcbWorkspace::~XcbWorkspace() = default;
@@ -78,7 +78,7 @@ bool XcbWorkspace::activate(const RunningApplication &application) {
              XCB_CURRENT_TIME);
     }
     send(window, activeWindow_, fromPager, XCB_CURRENT_TIME);
-    return xcb_flush(connection_->get()) > 0;
+    return connection_->flush();
 }
 
 void XcbWorkspace::observeActivation(Activated activated) {
@@ -116,31 +116,39 @@ void XcbWorkspace::handleEvent(const xcb_generic_event_t &event) {
         observer(*application);
 }
 
-/// The 32-bit values of a window's property, none if it is missing or of another type.
-std::vector<uint32_t> XcbWorkspace::property(xcb_window_t window, const char *name, xcb_atom_t type,
-                                             const QDeadlineTimer &deadline) {
+/// The 32-bit values of a window's property, empty if it is missing or of another type; none if
+/// there is no such window.
+std::optional<std::vector<uint32_t>> XcbWorkspace::property(xcb_window_t window, const char *name,
+                                                            xcb_atom_t type,
+                                                            const QDeadlineTimer &deadline) {
     constexpr uint32_t mostValues = 4096;
     if (connection_->error() != 0)
-        return {};
+        return std::nullopt;
     const xcb_atom_t atom = connection_->atom(name, deadline);
     const auto answer = connection_->reply<xcb_get_property_reply_t>(
         xcb_get_property(connection_->get(), false, window, atom, type, 0, mostValues), deadline);
-    if (!answer || answer->type != type || answer->format != 32)
-        return {};
+    if (!answer)
+        return std::nullopt;
+    if (answer->type != type || answer->format != 32)
+        return std::vector<uint32_t>();
     const auto *const values = static_cast<const uint32_t *>(xcb_get_property_value(answer.get()));
-    return {values, values + answer->value_len};
+    return std::vector(values, values + answer->value_len);
 }
 
 uint32_t XcbWorkspace::value(xcb_window_t window, const char *name, xcb_atom_t type,
                              uint32_t absent, const QDeadlineTimer &deadline) {
     const auto values = property(window, name, type, deadline);
-    return values.empty() ? absent : values.front();
+    return values && !values->empty() ? values->front() : absent;
 }
 
 /// The process of a window: what it says of itself, or else who is connected to the server.
 qint64 XcbWorkspace::processId(xcb_window_t window, const QDeadlineTimer &deadline) {
-    if (const uint32_t id = value(window, "_NET_WM_PID", XCB_ATOM_CARDINAL, 0, deadline))
-        return id;
+    const auto stated = property(window, "_NET_WM_PID", XCB_ATOM_CARDINAL, deadline);
+    // The server tells the client also of a window that is gone.
+    if (!stated)
+        return 0;
+    if (!stated->empty() && stated->front() != 0)
+        return stated->front();
     const auto *const extension = xcb_get_extension_data(connection_->get(), &xcb_res_id);
     if (!extension || !extension->present)
         return 0;
@@ -169,10 +177,11 @@ bool XcbWorkspace::hasWindowManager(const QDeadlineTimer &deadline) {
 /// has none.
 xcb_window_t XcbWorkspace::windowToActivate(const RunningApplication &application,
                                             const QDeadlineTimer &deadline) {
-    auto windows =
+    auto stacking =
         property(connection_->root(), "_NET_CLIENT_LIST_STACKING", XCB_ATOM_WINDOW, deadline);
-    if (windows.empty())
-        windows = property(connection_->root(), "_NET_CLIENT_LIST", XCB_ATOM_WINDOW, deadline);
+    if (!stacking || stacking->empty())
+        stacking = property(connection_->root(), "_NET_CLIENT_LIST", XCB_ATOM_WINDOW, deadline);
+    auto windows = stacking.value_or(std::vector<uint32_t>());
     std::reverse(windows.begin(), windows.end());
     const auto remembered =
         std::find(windows.begin(), windows.end(), static_cast<xcb_window_t>(application.window));

@@ -28,8 +28,8 @@ public:
 private:
     void handleEvent(const xcb_generic_event_t &event);
     std::optional<RunningApplication> frontmostApplication(const QDeadlineTimer &deadline);
-    std::vector<uint32_t> property(xcb_window_t window, const char *name, xcb_atom_t type,
-                                   const QDeadlineTimer &deadline);
+    std::optional<std::vector<uint32_t>> property(xcb_window_t window, const char *name,
+                                                  xcb_atom_t type, const QDeadlineTimer &deadline);
     uint32_t value(xcb_window_t window, const char *name, xcb_atom_t type, uint32_t absent,
                    const QDeadlineTimer &deadline);
     qint64 processId(xcb_window_t window, const QDeadlineTimer &deadline);

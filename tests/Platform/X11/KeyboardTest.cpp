@@ -31,7 +31,7 @@ class XTestKeyboardTest : public testing::Test {
 protected:
     void SetUp() override {
         window = user.showWindow(0);
-        ASSERT_TRUE(waitUntil([&] { return user.activeWindow() == window; }));
+        ASSERT_TRUE(user.bringForward(window));
         ASSERT_TRUE(waitUntil([&] { return hasFocus(); }));
         user.keyPresses.clear();
     }

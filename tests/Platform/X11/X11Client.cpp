@@ -1,6 +1,7 @@
 #include "Platform/X11/X11Client.h"
 
 #include "Platform/Linux/KeyboardMap.h"
+#include "Platform/X11/VirtualDesktop.h"
 
 #include <xcb/xtest.h>
 
@@ -114,6 +115,15 @@ void X11Client::ask(xcb_window_t window, const char *message, uint32_t first, ui
                    XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                    reinterpret_cast<const char *>(&event));
     synchronize();
+}
+
+bool X11Client::bringForward(xcb_window_t window) {
+    constexpr uint32_t fromPager = 2;
+    // A window manager that has just started may not know the window yet.
+    return waitUntil([&] {
+        ask(window, "_NET_ACTIVE_WINDOW", fromPager);
+        return activeWindow() == window;
+    });
 }
 
 uint32_t X11Client::value(xcb_window_t window, const char *name, xcb_atom_t type, uint32_t absent) {

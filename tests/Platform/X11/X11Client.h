@@ -37,7 +37,8 @@ public:
     void iconify(xcb_window_t window);
     /// Asks the window manager, as a pager does.
     void ask(xcb_window_t window, const char *message, uint32_t first, uint32_t second = 0);
-    void focus(xcb_window_t window) { ask(window, "_NET_ACTIVE_WINDOW", 2); }
+    /// Has the window manager bring a window to the front, and waits until it is there.
+    bool bringForward(xcb_window_t window);
     /// A 32-bit property, or `absent`.
     uint32_t value(xcb_window_t window, const char *name, xcb_atom_t type, uint32_t absent = 0);
     xcb_window_t activeWindow();
