@@ -124,7 +124,10 @@ void JsonReader::enter() {
 }
 
 std::string_view JsonReader::readKey() {
-    startValue('"', QStringLiteral("valid: a key must stand here"));
+    startValue();
+    if (*next_ != '"')
+        failAtValue(QStringLiteral("lacks a key in quotation marks"));
+    ++next_;
     const char *const start = next_;
     const bool hasEscapes = scanString();
     std::string_view key(start, static_cast<std::size_t>(next_ - 1 - start));
