@@ -3,8 +3,6 @@
 #include "Platform/Permissions.h"
 
 #include <optional>
-#include <utility>
-#include <vector>
 
 namespace lorvane {
 
@@ -21,31 +19,30 @@ public:
     std::optional<bool> microphoneAnswer = true;
     std::optional<bool> speechAnswer = true;
 
-    int microphonePromptCount = 0;
+    int microphonePromptCount = 0; ///< two requests at once share a prompt
     int speechPromptCount = 0;
     int accessibilityRequestCount = 0;
 
-    /// Answers the standing prompts.
-    void answerMicrophone(bool allowed) { answer(microphonePrompts_, allowed); }
-    void answerSpeech(bool allowed) { answer(speechPrompts_, allowed); }
+    /// Answers the standing prompt, if there is one.
+    void answerMicrophone(bool isAllowed) const { microphonePrompt_.answer(isAllowed); }
+    void answerSpeech(bool isAllowed) const { speechPrompt_.answer(isAllowed); }
 
     int microphoneStatus() override { return microphone; }
     int speechStatus() override { return speech; }
 
     Async<bool> requestMicrophone() override {
         if (microphone == 0) {
-            ++microphonePromptCount;
-            const bool allowed = co_await prompt(microphonePrompts_, microphoneAnswer);
-            microphone = allowed ? 3 : 2;
+            const bool isAllowed =
+                co_await ask(microphonePrompt_, microphoneAnswer, microphonePromptCount);
+            microphone = isAllowed ? 3 : 2;
         }
         co_return microphone == 3;
     }
 
     Async<int> requestSpeech() override {
         if (speech == 0) {
-            ++speechPromptCount;
-            const bool allowed = co_await prompt(speechPrompts_, speechAnswer);
-            speech = allowed ? 3 : 1;
+            const bool isAllowed = co_await ask(speechPrompt_, speechAnswer, speechPromptCount);
+            speech = isAllowed ? 3 : 1;
         }
         co_return speech;
     }
@@ -54,26 +51,39 @@ public:
     void requestAccessibility() override { ++accessibilityRequestCount; }
 
 private:
-    using Prompts = std::vector<Continuation<bool>>;
+    struct Prompt {
+        std::optional<Continuation<bool>> standing;
+        Task<bool> task;
 
-    Async<bool> prompt(Prompts &prompts, std::optional<bool> readyAnswer) {
-        const bool allowed = co_await suspend<bool>(clock_, [&](Continuation<bool> caller) {
-            if (readyAnswer)
-                caller.resume(*readyAnswer);
-            else
-                prompts.push_back(caller);
-        });
-        co_return allowed;
+        void answer(bool isAllowed) const {
+            if (standing)
+                standing->resume(isAllowed);
+        }
+    };
+
+    Async<bool> ask(Prompt &prompt, std::optional<bool> answer, int &count) {
+        if (!prompt.task || prompt.task.isDone()) {
+            ++count;
+            prompt.task = Task<bool>::run(show(prompt, answer));
+        }
+        const Task<bool> task = prompt.task;
+        const bool isAllowed = co_await task;
+        co_return isAllowed;
     }
 
-    static void answer(Prompts &prompts, bool allowed) {
-        for (const auto &caller : std::exchange(prompts, {}))
-            caller.resume(allowed);
+    Async<bool> show(Prompt &prompt, std::optional<bool> answer) {
+        const bool isAllowed = co_await suspend<bool>(clock_, [&](Continuation<bool> caller) {
+            prompt.standing = caller;
+            if (answer)
+                caller.resume(*answer);
+        });
+        prompt.standing.reset();
+        co_return isAllowed;
     }
 
     Clock &clock_;
-    Prompts microphonePrompts_;
-    Prompts speechPrompts_;
+    Prompt microphonePrompt_;
+    Prompt speechPrompt_;
 };
 
 } // namespace lorvane

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <optional>
 #include <sys/prctl.h>
 
 namespace lorvane {
@@ -19,7 +20,7 @@ class PrivateProcess {
 public:
     PrivateProcess(const QString &program, const QStringList &arguments) {
         process_.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
-        process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        process_.setStandardErrorFile(QProcess::nullDevice());
         process_.start(program, arguments);
         if (!process_.waitForStarted())
             ADD_FAILURE() << "can't start " << program.toStdString();
@@ -57,20 +58,40 @@ inline QString run(const QString &program, const QStringList &arguments, bool *i
     return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
 }
 
-/// A session bus with nobody on it.
+/// A session bus that starts the desktop's services on demand, with a home of their own.
 class PrivateBus {
 public:
-    PrivateBus()
-        : daemon_(QStringLiteral("dbus-daemon"),
-                  {QStringLiteral("--session"), QStringLiteral("--print-address=1"),
-                   QStringLiteral("--nofork"), QStringLiteral("--nopidfile"),
-                   QStringLiteral("--address=unix:tmpdir=/tmp")}),
-          address_(daemon_.readLine()) {}
+    /// What a bus may be without: an element of its configuration, or text within its policy.
+    explicit PrivateBus(const QString &services = QStringLiteral("<standard_session_servicedirs/>"),
+                        const QString &policy = {}) {
+        QFile file(folder_.filePath(QStringLiteral("bus.conf")));
+        file.open(QIODevice::WriteOnly);
+        file.write(QStringLiteral("<busconfig><type>session</type><listen>unix:dir=%1</listen>%2"
+                                  "<policy context=\"default\"><allow send_destination=\"*\" "
+                                  "eavesdrop=\"true\"/><allow eavesdrop=\"true\"/>"
+                                  "<allow own=\"*\"/>%3</policy></busconfig>")
+                       .arg(folder_.path(), services, policy)
+                       .toUtf8());
+        file.close();
+        QStringList arguments{QStringLiteral("GSETTINGS_BACKEND=memory")};
+        for (const QString &variable :
+             {QStringLiteral("HOME"), QStringLiteral("XDG_RUNTIME_DIR"),
+              QStringLiteral("XDG_DATA_HOME"), QStringLiteral("XDG_CONFIG_HOME")})
+            arguments.append(variable + u'=' + folder_.path());
+        daemon_.emplace(QStringLiteral("env"),
+                        arguments + QStringList{QStringLiteral("dbus-daemon"),
+                                                QStringLiteral("--config-file=") + file.fileName(),
+                                                QStringLiteral("--print-address=1"),
+                                                QStringLiteral("--nofork"),
+                                                QStringLiteral("--nopidfile")});
+        address_ = daemon_->readLine();
+    }
 
     QString address() const { return address_; }
 
 private:
-    PrivateProcess daemon_;
+    QTemporaryDir folder_;
+    std::optional<PrivateProcess> daemon_;
     QString address_;
 };
 
@@ -91,7 +112,7 @@ private:
     QString name_;
 };
 
-/// A sound server with what `modules` load and no hardware. `source` is played into by `sink`.
+/// A sound server with what `modules` load, and no hardware.
 class PrivateSound {
 public:
     /// A virtual microphone "mic": what is played to the sink "virtmic" is heard from it.
