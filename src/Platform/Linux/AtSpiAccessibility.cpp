@@ -2,7 +2,10 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <chrono>
+#include <utility>
+#include <vector>
 
 namespace lorvane {
 
@@ -12,6 +15,7 @@ using namespace std::chrono_literals;
 
 constexpr auto readLimit = 200ms;
 constexpr auto writeLimit = 400ms;
+constexpr auto settleLimit = 40ms;
 
 } // namespace
 
@@ -24,8 +28,8 @@ AtSpiAccessibility::AtSpiAccessibility() {
 }
 
 std::optional<AccessibleElement>
-AtSpiAccessibility::focusedElement(const RunningApplication &application) {
-    if (application.processId == QCoreApplication::applicationPid())
+AtSpiAccessibility::focusedElement(const RunningApplication &running) {
+    if (running.processId == QCoreApplication::applicationPid())
         return std::nullopt;
     if (!bus_.isConnected()) {
         bus_.open();
@@ -33,34 +37,49 @@ AtSpiAccessibility::focusedElement(const RunningApplication &application) {
     }
     const QDeadlineTimer deadline(readLimit);
     deliverEvents();
-    const QString bus = busOf(application.processId, deadline);
+    const QString bus = busOf(running.processId, deadline);
     if (bus.isEmpty())
         return std::nullopt;
 
-    // A text that has the focus comes first, then any element that has it, then what had it last.
-    QString best;
-    int bestRank = -1;
-    const QStringList candidates = applications_[bus].memory.candidates();
-    for (const QString &path : candidates) {
+    // An application's window becomes active some milliseconds before its element has the focus.
+    const QDeadlineTimer settled(settleLimit);
+    Focus focus = askForFocus(bus, deadline);
+    while (focus.isUnsettled && !settled.hasExpired())
+        focus = askForFocus(bus, deadline);
+    if (focus.path.isEmpty())
+        return std::nullopt;
+    return AccessibleElement{bus, focus.path};
+}
+
+AtSpiAccessibility::Focus AtSpiAccessibility::askForFocus(const QString &bus,
+                                                          const QDeadlineTimer &deadline) {
+    std::vector<std::pair<QString, AtSpiStates>> candidates;
+    const QStringList paths = applications_[bus].memory.candidates();
+    for (const QString &path : paths) {
         const auto answer = bus_.states({bus, path}, deadline);
         if (answer.outcome == AtSpiBus::Outcome::silent)
-            return std::nullopt;
-        if (answer.outcome == AtSpiBus::Outcome::gone) {
+            return {};
+        if (answer.outcome == AtSpiBus::Outcome::gone)
             applications_[bus].memory.forget(path);
-            continue;
-        }
-        const int rank = (answer.states.has(AtSpiState::focused) ? 2 : 0) +
-                         (answer.states.has(AtSpiState::editable) ? 1 : 0);
-        if (rank > bestRank) {
-            best = path;
-            bestRank = rank;
-        }
+        else
+            candidates.emplace_back(path, answer.states);
     }
-    // What it had last counts only where it has no active window to show a focus in.
     deliverEvents();
-    if (bestRank < 0 || (bestRank < 2 && applications_.value(bus).memory.isActive()))
-        return std::nullopt;
-    return AccessibleElement{bus, best};
+    const auto application = applications_.constFind(bus);
+    if (application == applications_.constEnd())
+        return {};
+    // Where no window is active, what an element says of its focus says little.
+    if (application->memory.isActive()) {
+        std::erase_if(candidates, [](const auto &candidate) {
+            return !candidate.second.has(AtSpiState::focused);
+        });
+    }
+    if (candidates.empty())
+        return {QString(), !paths.isEmpty()};
+    const auto text = std::find_if(candidates.begin(), candidates.end(), [](const auto &candidate) {
+        return candidate.second.has(AtSpiState::editable);
+    });
+    return {text != candidates.end() ? text->first : candidates.front().first};
 }
 
 bool AtSpiAccessibility::setFocused(const AccessibleElement &element) {
@@ -160,7 +179,7 @@ void AtSpiAccessibility::handleStateChange(const QDBusMessage &event) {
 }
 
 void AtSpiAccessibility::handleFocus(const QDBusMessage &event) {
-    applicationOf(event.service()).memory.gained(event.path());
+    applicationOf(event.service()).memory.gainedInOldWay(event.path());
 }
 
 void AtSpiAccessibility::handleActivation(const QDBusMessage &event) {

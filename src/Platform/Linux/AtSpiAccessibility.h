@@ -31,7 +31,13 @@ private:
         quint64 lastEvent = 0;
     };
 
+    struct Focus {
+        QString path;             ///< empty if there is none
+        bool isUnsettled = false; ///< one that it had may be about to come back
+    };
+
     void follow();
+    Focus askForFocus(const QString &bus, const QDeadlineTimer &deadline);
     Application &applicationOf(const QString &bus);
     QString busOf(qint64 processId, const QDeadlineTimer &deadline);
     void deliverEvents();

@@ -3,6 +3,16 @@
 namespace lorvane {
 
 void FocusMemory::gained(const QString &element) {
+    tellsOfLoss_ = true;
+    add(element);
+}
+
+void FocusMemory::gainedInOldWay(const QString &element) {
+    if (!tellsOfLoss_)
+        add(element);
+}
+
+void FocusMemory::add(const QString &element) {
     constexpr qsizetype most = 4;
     hasTold_ = true;
     candidates_.removeIf([&](const Candidate &candidate) {
@@ -14,6 +24,7 @@ void FocusMemory::gained(const QString &element) {
 }
 
 void FocusMemory::lost(const QString &element) {
+    tellsOfLoss_ = true;
     hasTold_ = true;
     for (Candidate &candidate : candidates_) {
         if (candidate.element == element)

@@ -16,6 +16,8 @@ class FocusMemory {
 public:
     void gained(const QString &element);
     void lost(const QString &element);
+    /// The event of older toolkits, which have no `lost`. Some send both: then it says less.
+    void gainedInOldWay(const QString &element);
     void windowActivated(const QString &window);
     void windowDeactivated(const QString &window);
     /// What a search has found: counts only as long as the application has told nothing itself.
@@ -30,6 +32,8 @@ public:
     bool isActive() const { return !activeWindow_.isEmpty(); }
 
 private:
+    void add(const QString &element);
+
     struct Candidate {
         QString element;
         bool hasLost = false;
@@ -37,6 +41,7 @@ private:
     QList<Candidate> candidates_;
     QString activeWindow_;
     bool hasTold_ = false;
+    bool tellsOfLoss_ = false;
 };
 
 } // namespace lorvane
