@@ -40,12 +40,6 @@ SpeechTranscriber::~SpeechTranscriber() {
         capture_->close();
 }
 
-template <class T>
-void SpeechTranscriber::publish(T &property, T value) {
-    property = std::move(value);
-    Q_EMIT changed();
-}
-
 void SpeechTranscriber::setRecording(bool recording) {
     publish(isRecording_, recording);
     Q_EMIT isRecordingChanged(recording);

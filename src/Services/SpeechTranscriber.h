@@ -65,7 +65,10 @@ Q_SIGNALS:
 private:
     // SpeechTranscriber.cpp
     template <class T>
-    void publish(T &property, T value);
+    void publish(T &property, T value) {
+        property = std::move(value);
+        Q_EMIT changed();
+    }
     void setRecording(bool recording);
     using Self = QPointer<SpeechTranscriber>;
     static bool isStale(const Self &self, const QUuid &session,

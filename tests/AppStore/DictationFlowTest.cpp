@@ -479,6 +479,18 @@ TEST_F(DictationFlowTest, CaptureThatEndsDuringAButtonRecordingFinishesItAtOnce)
     expectIdle();
 }
 
+TEST_F(DictationFlowTest, PressBetweenTheEndOfCaptureAndItsFinishIsDropped) {
+    store->toggleRecording();
+    clock().runUntilIdle();
+    speak(1s);
+    ports.audioInput.end(u"Entity killed"_s);
+    press();
+    EXPECT_EQ(store->holdPhase(), Phase::idle);
+    clock().runUntilIdle();
+    answer(u"hello"_s);
+    EXPECT_EQ(store->historyCount(), 1);
+}
+
 // The indicator's preview
 
 TEST_F(DictationFlowTest, PreviewRunsForSixtyFiveStepsAndHides) {

@@ -1,0 +1,34 @@
+#include "AppStore/AppStore.h"
+#include "LorvaneApp/LinuxPlatform.h"
+#include "LorvaneApp/TerminationSignals.h"
+#include "Views/Shell/Graphics.h"
+#include "Views/Shell/MainWindow.h"
+#include "Views/Shell/TrayItem.h"
+#include "Views/Shell/ViewEngine.h"
+
+#include <QApplication>
+
+using namespace Qt::StringLiterals;
+
+int main(int argc, char **argv) {
+    using namespace lorvane;
+
+    TerminationSignals::block();
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(u"lorvane"_s);
+    QApplication::setApplicationDisplayName(u"Lorvane"_s);
+    QApplication::setDesktopFileName(u"net.lorvane.Lorvane"_s);
+    // The program lives in the tray as much as in its window.
+    QApplication::setQuitOnLastWindowClosed(false);
+    const TerminationSignals signals([] { QApplication::quit(); });
+    setUpGraphics();
+
+    ViewEngine engine;
+    LinuxPlatform platform(engine);
+    AppStore store(platform.ports());
+    platform.overlay().setMeter(*store.recordingOverlay().meter());
+    MainWindow window(engine, store);
+    TrayItem tray(store, window);
+    window.open();
+    return QApplication::exec();
+}
