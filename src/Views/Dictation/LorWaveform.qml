@@ -9,7 +9,7 @@ Item {
 
     implicitWidth: bars.implicitWidth
     implicitHeight: 35
-    Accessible.role: Accessible.Indicator
+    Accessible.role: Accessible.Graphic
     Accessible.name: "Microphone audio level"
 
     Row {

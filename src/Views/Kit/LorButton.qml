@@ -15,14 +15,14 @@ T.AbstractButton {
     hoverEnabled: true
     opacity: enabled ? 1 : 0.5
 
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: button.clicked()
+    Keys.onEnterPressed: button.clicked()
 
     Accessible.role: Accessible.Button
     Accessible.name: text
     Accessible.onPressAction: {
-        if (enabled)
-            click();
+        if (button.enabled)
+            button.clicked();
     }
 
     HoverHandler {

@@ -21,6 +21,16 @@ Item {
     implicitHeight: truncated ? maximumHeight : edit.contentHeight - lineSpacing
     clip: truncated
 
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: -4
+        visible: edit.activeFocus && edit.selectedText === ""
+        radius: 4
+        color: "transparent"
+        border.width: 2
+        border.color: LorPalette.translucent(LorPalette.accent, 0.6)
+    }
+
     TextEdit {
         id: edit
 

@@ -93,7 +93,7 @@ Item {
                 visible: indicator.meter.showsWaveform
                 samples: indicator.meter.samples
                 color: indicator.accent
-                Accessible.role: Accessible.Indicator
+                Accessible.role: Accessible.Graphic
                 Accessible.name: indicator.meter.accessibleLabel
                 Accessible.description: indicator.meter.accessibleValue
             }
