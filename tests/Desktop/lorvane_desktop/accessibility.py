@@ -51,10 +51,6 @@ class Element:
     def name(self):
         return self._call(_PROPERTIES, "Get", GLib.Variant("(ss)", (_ACCESSIBLE, "Name")))[0]
 
-    def description(self):
-        return self._call(_PROPERTIES, "Get",
-                          GLib.Variant("(ss)", (_ACCESSIBLE, "Description")))[0]
-
     def role(self):
         return self._call(_ACCESSIBLE, "GetRoleName")[0]
 
@@ -81,15 +77,14 @@ class Element:
         for child in children:
             yield from child.walk()
 
-    def find(self, name=None, description=None, role=None, state=None):
-        """The first element with that name, that description, a role that the expression matches,
-        and that state."""
+    def find(self, name=None, role=None, states=()):
+        """The first element with that name, a role that the expression matches, and those
+        states."""
         for element in self.walk():
             try:
                 if ((name is None or element.name() == name)
-                        and (description is None or element.description() == description)
                         and (role is None or re.fullmatch(role, element.role()))
-                        and (state is None or element.has_state(state))):
+                        and all(element.has_state(state) for state in states)):
                     return element
             except GLib.Error:
                 continue

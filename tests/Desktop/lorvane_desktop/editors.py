@@ -25,7 +25,7 @@ class Editor:
 
     def _focused(self, role):
         root = accessibility.application(self._session, self._process)
-        return root and root.find(role=role, state=accessibility.FOCUSED)
+        return root and root.find(role=role, states=[accessibility.FOCUSED])
 
     def text(self):
         """The text as another program reads it over the accessibility bus."""

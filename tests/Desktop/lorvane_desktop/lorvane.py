@@ -7,6 +7,7 @@ from pathlib import Path
 from gi.repository import GLib
 
 from . import accessibility
+from .accessibility import SENSITIVE, SHOWING
 from .session import BINARY, run
 from .waiting import until
 
@@ -35,7 +36,7 @@ class Lorvane:
         settings.write_text("[General]\nLorvane.didCompleteSetup=true\n")
         self.folder = Path(os.environ["XDG_DATA_HOME"]) / "Lorvane"
         self.process = session.spawn("lorvane", BINARY)
-        self._banner = None
+        self._texts = {}
         self.window = until(self._find_window, 30,
                             "Lorvane's window")
         until(lambda: self.window.find("Start dictation"), 10, "the record button")
@@ -49,35 +50,33 @@ class Lorvane:
 
     def press(self, button):
         """Presses a button by its accessibility action."""
-        until(lambda: self.window.find(button, state=accessibility.SENSITIVE), 5,
+        until(lambda: self.window.find(button, states=(SHOWING, SENSITIVE)), 5,
               f"the button “{button}”").press()
 
     def message(self):
         """The text of the banner above the page; empty without one."""
-        try:
-            if self._banner:
-                return self._banner.name()
-        except GLib.Error:
-            pass
-        self._banner = self._find_banner()
-        return self._banner.name() if self._banner else ""
-
-    def _find_banner(self):
-        """The text that stands before the button which dismisses it."""
-        for parent in self.window.walk():
-            try:
-                children = parent.children()
-                for text, button in zip(children, children[1:]):
-                    if button.name() == "Dismiss message":
-                        return text
-            except GLib.Error:
-                pass
-        return None
+        return self._text_before("Dismiss message")
 
     def transcript(self):
         """The words in the transcript area of the Home page; empty without any."""
-        element = self.window.find(description="Transcript")
-        return element.name() if element else ""
+        return self._text_before("Copy text")
+
+    def _text_before(self, button):
+        """The text that stands before the first button of that name."""
+        try:
+            return self._texts[button].name()
+        except (KeyError, GLib.Error):
+            pass
+        for parent in self.window.walk():
+            try:
+                children = parent.children()
+                for text, other in zip(children, children[1:]):
+                    if other.name() == button:
+                        self._texts[button] = text
+                        return text.name()
+            except GLib.Error:
+                continue
+        return ""
 
     def wait_for(self, message, seconds=10):
         """Waits until the banner's text begins so, and gives the whole of it."""
