@@ -1,7 +1,7 @@
 #include "Speech/LiveRecognition.h"
 
-#include "Core/LocalizedError.h"
 #include "Speech/Abandoned.h"
+#include "Speech/Level.h"
 #include "Speech/Stretches.h"
 
 #include <algorithm>
@@ -46,8 +46,8 @@ void LiveRecognition::work(std::stop_source &stop) {
         }
     } catch (const Abandoned &) {
         // Cancelled, or a file has to be recognised first.
-    } catch (const LocalizedError &error) {
-        handler_({}, error.localizedDescription());
+    } catch (const std::exception &error) {
+        handler_({}, QString::fromUtf8(error.what()));
         return;
     }
     if (cancellation_.stop_requested())
@@ -64,7 +64,9 @@ void LiveRecognition::listen(const std::stop_token &stop) {
     const std::span<const float> fresh = request_->from(position_);
     position_ += fresh.size();
     resampler_->process(fresh, samples_);
-    activity_->listen(std::span<const float>(samples_).subspan(activity_->position()), stop);
+    gain_ = gainFor(samples_);
+    const auto unheard = std::span<const float>(samples_).subspan(activity_->position());
+    activity_->listen(amplified(unheard, gain_), stop);
 }
 
 void LiveRecognition::transcribe(const std::stop_token &stop) {

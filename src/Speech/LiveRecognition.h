@@ -37,7 +37,8 @@ private:
     std::optional<Resampler> resampler_;
     std::optional<VoiceActivity> activity_;
     std::vector<float> samples_; ///< at 16 kHz
-    double transcribedEnd_ = 0;  ///< up to where, in seconds
+    float gain_ = 1;
+    double transcribedEnd_ = 0; ///< up to where, in seconds
     QList<TimedWord> words_;
 };
 

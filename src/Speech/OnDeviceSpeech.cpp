@@ -1,6 +1,5 @@
 #include "Speech/OnDeviceSpeech.h"
 
-#include "Core/LocalizedError.h"
 #include "Speech/Abandoned.h"
 #include "Speech/FileSamples.h"
 #include "Speech/LiveRecognition.h"
@@ -109,8 +108,8 @@ public:
                 handler(makeResult(words, true), {});
             } catch (const Abandoned &) {
                 // Nobody waits for it any longer.
-            } catch (const LocalizedError &error) {
-                handler({}, error.localizedDescription());
+            } catch (const std::exception &error) {
+                handler({}, QString::fromUtf8(error.what()));
             }
         });
         return std::make_unique<Task>(std::move(cancellation));
@@ -143,7 +142,7 @@ void OnDeviceSpeech::preload(const QString &localeIdentifier) {
         shared_->worker.post([engine, size](std::stop_source &) {
             try {
                 engine->load(size);
-            } catch (const LocalizedError &) {
+            } catch (const std::exception &) {
                 // The first recognition tries again, and tells.
             }
         });

@@ -32,7 +32,7 @@ std::vector<Ort::Value> run(Ort::Session &session, const std::vector<const char 
 /// A tensor that looks at `data`, which has to outlive it.
 template <class T>
 Ort::Value tensorOf(T *data, const std::vector<int64_t> &shape) {
-    static const auto memory = Ort::MemoryInfo::CreateCpu(OrtDeviceAllocator, OrtMemTypeCPU);
+    const auto memory = Ort::MemoryInfo::CreateCpu(OrtDeviceAllocator, OrtMemTypeCPU);
     std::size_t count = 1;
     for (const int64_t size : shape)
         count *= static_cast<std::size_t>(size);

@@ -1,6 +1,7 @@
 #include "Speech/SpeechEngine.h"
 
 #include "Core/LocalizedError.h"
+#include "Speech/Level.h"
 #include "Speech/Stretches.h"
 
 #include <algorithm>
@@ -36,17 +37,19 @@ SpeechModel &SpeechEngine::model(const QString &size) {
 QList<TimedWord> SpeechEngine::recognize(std::span<const float> samples, const QString &size,
                                          [[maybe_unused]] const SpeechOptions &options,
                                          const std::stop_token &stop) {
+    const std::vector<float> voice = amplified(samples, gainFor(samples));
     VoiceActivity activity = makeVoiceActivity();
-    activity.listen(samples, stop);
+    activity.listen(voice, stop);
     const double duration = static_cast<double>(samples.size()) / SpeechModel::sampleRate;
     QList<TimedWord> words;
     for (const VoiceSpan &stretch : planStretches(activity.probabilities(), duration))
-        words.append(recognizeStretch(samples, stretch, size, options, stop));
+        words.append(recognizeStretch(voice, stretch, size, options, stop));
     return words;
 }
 
 QList<TimedWord> SpeechEngine::recognizeStretch(std::span<const float> samples, VoiceSpan stretch,
-                                                const QString &size, [[maybe_unused]] const SpeechOptions &options,
+                                                const QString &size,
+                                                [[maybe_unused]] const SpeechOptions &options,
                                                 const std::stop_token &stop) {
     const auto index = [&](double time) {
         return std::min(static_cast<std::size_t>(time * SpeechModel::sampleRate), samples.size());

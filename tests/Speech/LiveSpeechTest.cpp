@@ -1,0 +1,119 @@
+#include "Speech/DecodedAudio.h"
+#include "Speech/LiveRequest.h"
+#include "Speech/Prompts.h"
+#include "Speech/SpeechListener.h"
+#include "Speech/WordErrors.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace lorvane {
+namespace {
+
+constexpr int sampleRate = 48000;
+
+/// Feeds a request as the audio thread does, in buffers of 2048 frames.
+void feed(SpeechBufferRequest &request, std::span<const float> samples) {
+    constexpr std::size_t step = 2048;
+    while (!samples.empty()) {
+        const std::size_t count = std::min(step, samples.size());
+        request.append({samples.data(), static_cast<qsizetype>(count), 1});
+        samples = samples.subspan(count);
+    }
+}
+
+class LiveSpeechTest : public testing::Test {
+protected:
+    void SetUp() override {
+        request_ = englishRecognizer().makeBufferRequest({sampleRate, 1}, SpeechOptions());
+        task_ = englishRecognizer().recognize(request_, listener_.handler());
+    }
+
+    bool waitForText(const QString &text) {
+        return listener_.waitFor(
+            [&](const SpeechListener::Heard &heard) { return heard.text().contains(text); });
+    }
+
+    // "You cannot reply to this message because the sender does not have a mailbox."
+    const std::vector<float> voice_ = decodedAudio(promptPath(u"vm-nobox"_qs), sampleRate);
+    SpeechListener listener_;
+    std::shared_ptr<SpeechBufferRequest> request_;
+    std::unique_ptr<SpeechTask> task_;
+};
+
+TEST_F(LiveSpeechTest, ReportsTheTextSoFarWhileTheVoiceGoesOn) {
+    const std::span<const float> voice(voice_);
+    feed(*request_, voice.first(voice.size() / 2));
+    ASSERT_TRUE(waitForText(u"cannot reply"_qs));
+    EXPECT_FALSE(listener_.heard().text().contains(u"mailbox"_qs));
+    feed(*request_, voice.subspan(voice.size() / 2));
+    feed(*request_, std::vector<float>(sampleRate));
+    ASSERT_TRUE(waitForText(u"mailbox"_qs));
+    const SpeechListener::Heard heard = listener_.heard();
+    EXPECT_GE(heard.results.size(), 2U);
+    for (const SpeechResult &result : heard.results) {
+        EXPECT_FALSE(result.isFinal);
+        ASSERT_FALSE(result.segments.isEmpty());
+        EXPECT_TRUE(
+            std::is_sorted(result.segments.begin(), result.segments.end(),
+                           [](const auto &a, const auto &b) { return a.timestamp < b.timestamp; }));
+    }
+    EXPECT_FALSE(heard.error);
+}
+
+TEST_F(LiveSpeechTest, SaysNothingWhileNobodySpeaks) {
+    feed(*request_, std::vector<float>(10 * sampleRate));
+    feed(*request_, voice_);
+    ASSERT_TRUE(waitForText(u"message"_qs));
+    for (const SpeechResult &result : listener_.heard().results)
+        EXPECT_GT(result.segments.first().timestamp, 9.5) << qPrintable(result.formattedString);
+}
+
+TEST_F(LiveSpeechTest, EndsByItselfWithAFinalResultWhenItHasRunForTooLong) {
+    feed(*request_, voice_);
+    for (int second = 0; second < static_cast<int>(LiveRequest::longest) + 1; ++second)
+        feed(*request_, std::vector<float>(sampleRate));
+    ASSERT_TRUE(listener_.waitForEnd());
+    EXPECT_TRUE(listener_.heard().isFinal());
+    EXPECT_TRUE(listener_.heard().text().contains(u"mailbox"_qs));
+    EXPECT_TRUE(listener_.waitFor([](const auto &heard) { return heard.handlerIsGone; }));
+}
+
+TEST_F(LiveSpeechTest, IsOverSoonAfterItsCancellation) {
+    feed(*request_, voice_);
+    ASSERT_TRUE(listener_.waitFor([](const auto &heard) { return !heard.results.empty(); }));
+    task_->cancel();
+    ASSERT_TRUE(listener_.waitFor([](const auto &heard) { return heard.handlerIsGone; }));
+    feed(*request_, voice_); // dropped
+    EXPECT_FALSE(listener_.heard().isFinal());
+}
+
+TEST_F(LiveSpeechTest, MakesWayForAFileAndGoesOnAfterIt) {
+    feed(*request_, voice_);
+    ASSERT_TRUE(waitForText(u"reply"_qs));
+    feed(*request_, std::vector<float>(sampleRate));
+    feed(*request_, decodedAudio(promptPath(u"demo-nogo"_qs), sampleRate));
+    SpeechListener file;
+    const auto fileTask = englishRecognizer().recognize(writeAudio(voice_, sampleRate),
+                                                        SpeechOptions(), file.handler());
+    ASSERT_TRUE(file.waitForEnd());
+    EXPECT_TRUE(file.heard().text().contains(u"mailbox"_qs));
+    EXPECT_TRUE(waitForText(u"demonstration"_qs));
+}
+
+TEST_F(LiveSpeechTest, GivesTheNextRequestItsOwnText) {
+    feed(*request_, voice_);
+    ASSERT_TRUE(waitForText(u"message"_qs));
+    SpeechListener next;
+    const auto request = englishRecognizer().makeBufferRequest({sampleRate, 1}, SpeechOptions());
+    const auto task = englishRecognizer().recognize(request, next.handler());
+    task_->cancel();
+    feed(*request, decodedAudio(promptPath(u"demo-nogo"_qs), sampleRate));
+    ASSERT_TRUE(
+        next.waitFor([](const auto &heard) { return heard.text().contains(u"demonstration"_qs); }));
+    EXPECT_FALSE(next.heard().text().contains(u"reply"_qs));
+}
+
+} // namespace
+} // namespace lorvane

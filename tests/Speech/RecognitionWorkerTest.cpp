@@ -1,0 +1,103 @@
+#include "Speech/RecognitionWorker.h"
+
+#include <gtest/gtest.h>
+
+#include <future>
+#include <string>
+
+namespace lorvane {
+namespace {
+
+using TimePoint = RecognitionWorker::TimePoint;
+
+/// Returns when the source of a job is asked to stop.
+void waitForStop(std::stop_source &stop) {
+    std::promise<void> stopped;
+    const std::stop_callback callback(stop.get_token(), [&stopped] { stopped.set_value(); });
+    stopped.get_future().wait();
+}
+
+TEST(RecognitionWorker, RunsJobsInTheirOrderAndBackgroundJobsAfterThem) {
+    RecognitionWorker worker;
+    std::promise<void> release;
+    std::promise<void> done;
+    std::string order;
+    worker.post([&](std::stop_source &) { release.get_future().wait(); });
+    worker.postInBackground(TimePoint(), [&](std::stop_source &) {
+        order += 'c';
+        done.set_value();
+    });
+    worker.post([&](std::stop_source &) { order += 'a'; });
+    worker.post([&](std::stop_source &) { order += 'b'; });
+    release.set_value();
+    done.get_future().wait();
+    EXPECT_EQ(order, "abc");
+}
+
+TEST(RecognitionWorker, StopsABackgroundJobWhenAnotherJobComes) {
+    RecognitionWorker worker;
+    std::promise<void> running;
+    std::promise<void> done;
+    worker.postInBackground(TimePoint(), [&](std::stop_source &stop) {
+        running.set_value();
+        waitForStop(stop);
+    });
+    running.get_future().wait();
+    worker.post([&](std::stop_source &stop) {
+        EXPECT_FALSE(stop.stop_requested());
+        done.set_value();
+    });
+    done.get_future().wait();
+}
+
+TEST(RecognitionWorker, LetsAJobFinishWhenAnotherComes) {
+    RecognitionWorker worker;
+    std::promise<void> running;
+    std::promise<void> posted;
+    std::promise<bool> stopped;
+    worker.post([&](std::stop_source &stop) {
+        running.set_value();
+        posted.get_future().wait();
+        stopped.set_value(stop.stop_requested());
+    });
+    running.get_future().wait();
+    worker.post([](std::stop_source &) {});
+    posted.set_value();
+    EXPECT_FALSE(stopped.get_future().get());
+}
+
+TEST(RecognitionWorker, RunsBackgroundJobsByTheirTime) {
+    RecognitionWorker worker;
+    std::promise<void> release;
+    std::promise<void> done;
+    std::string order;
+    worker.post([&](std::stop_source &) { release.get_future().wait(); });
+    const TimePoint now = TimePoint::clock::now();
+    worker.postInBackground(now, [&](std::stop_source &) {
+        order += 'b';
+        done.set_value();
+    });
+    worker.postInBackground(now - std::chrono::hours(1), [&](std::stop_source &) { order += 'a'; });
+    worker.postInBackground(now + std::chrono::hours(1), [&](std::stop_source &) { order += 'z'; });
+    release.set_value();
+    done.get_future().wait();
+    EXPECT_EQ(order, "ab");
+}
+
+TEST(RecognitionWorker, StopsTheRunningJobAndForgetsTheOthersAtItsEnd) {
+    bool ran = false;
+    std::promise<void> running;
+    {
+        RecognitionWorker worker;
+        worker.post([&](std::stop_source &stop) {
+            running.set_value();
+            waitForStop(stop);
+        });
+        worker.post([&](std::stop_source &) { ran = true; });
+        running.get_future().wait();
+    }
+    EXPECT_FALSE(ran);
+}
+
+} // namespace
+} // namespace lorvane
