@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <utility>
 
 namespace lorvane {
 namespace {
@@ -35,9 +36,22 @@ char *writeEscape(char *out, char16_t unit) {
 
 } // namespace
 
+void JsonWriter::grow(qsizetype size) {
+    const qsizetype written = next_ ? next_ - text_.constData() : 0;
+    text_.resize(2 * (written + size) + 64);
+    next_ = text_.data() + written;
+    limit_ = text_.data() + text_.size();
+}
+
+QByteArray JsonWriter::takeText() {
+    text_.truncate(next_ ? next_ - text_.constData() : 0);
+    next_ = limit_ = nullptr;
+    return std::exchange(text_, QByteArray());
+}
+
 void JsonWriter::begin(char bracket) {
     startValue();
-    text_ += bracket;
+    put(bracket);
     ++depth_;
     isFirst_ = true;
 }
@@ -46,19 +60,20 @@ void JsonWriter::end(char bracket) {
     --depth_;
     if (!isFirst_)
         startLine();
-    text_ += bracket;
+    put(bracket);
     isFirst_ = false;
 }
 
 void JsonWriter::startLine() {
-    text_ += '\n';
-    text_.append(2 * depth_, ' ');
+    put('\n');
+    for (qsizetype i = 0; i < depth_; ++i)
+        put("  ");
 }
 
 void JsonWriter::startValue() {
     if (!afterKey_ && depth_ > 0) {
         if (!isFirst_)
-            text_ += ',';
+            put(',');
         startLine();
     }
     afterKey_ = false;
@@ -67,25 +82,21 @@ void JsonWriter::startValue() {
 
 void JsonWriter::key(QByteArrayView key) {
     plainString(key);
-    text_ += " : ";
+    put(" : ");
     afterKey_ = true;
 }
 
 void JsonWriter::plainString(QByteArrayView value) {
     startValue();
-    text_ += '"';
-    text_ += value;
-    text_ += '"';
+    put('"');
+    put(value);
+    put('"');
 }
 
 void JsonWriter::string(QStringView value) {
     startValue();
     constexpr qsizetype longestUnit = 6; // an escape
-    const qsizetype start = text_.size();
-    if (text_.capacity() < start + longestUnit * value.size() + 2)
-        text_.reserve(2 * (start + longestUnit * value.size() + 2));
-    text_.resize(start + longestUnit * value.size() + 2);
-    char *out = text_.data() + start;
+    char *out = room(longestUnit * value.size() + 2);
     *out++ = '"';
     const char16_t *unit = value.utf16();
     const char16_t *const last = unit + value.size();
@@ -120,24 +131,24 @@ void JsonWriter::string(QStringView value) {
         }
     }
     *out++ = '"';
-    text_.resize(out - text_.data());
+    next_ = out;
 }
 
 void JsonWriter::integer(qint64 value) {
     startValue();
-    text_ += QByteArray::number(value);
+    put(QByteArray::number(value));
 }
 
 void JsonWriter::boolean(bool value) {
     startValue();
-    text_ += value ? "true" : "false";
+    put(value ? "true" : "false");
 }
 
 void JsonWriter::number(double value) {
     startValue();
     std::array<char, 32> buffer;
     const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
-    text_.append(buffer.data(), end - buffer.data());
+    put(QByteArrayView(buffer.data(), end));
 }
 
 } // namespace lorvane

@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QStringView>
 
+#include <algorithm>
+
 namespace lorvane {
 
 /// Writes one JSON text, pretty: one value a line, two blanks an indent, " : " after a key. The
@@ -28,7 +30,7 @@ public:
     /// A string of ASCII that needs no escape.
     void plainString(QByteArrayView value);
 
-    QByteArray takeText() { return std::move(text_); }
+    QByteArray takeText();
 
 private:
     void begin(char bracket);
@@ -36,7 +38,24 @@ private:
     void startValue();
     void startLine();
 
-    QByteArray text_;
+    /// The place for the next bytes, with room for that many.
+    char *room(qsizetype size) {
+        if (limit_ - next_ < size)
+            grow(size);
+        return next_;
+    }
+    void grow(qsizetype size);
+    void put(char character) {
+        *room(1) = character;
+        ++next_;
+    }
+    void put(QByteArrayView bytes) {
+        next_ = std::copy(bytes.begin(), bytes.end(), room(bytes.size()));
+    }
+
+    QByteArray text_; ///< written up to next_, with room up to limit_
+    char *next_ = nullptr;
+    char *limit_ = nullptr;
     qsizetype depth_ = 0;
     bool isFirst_ = true;   ///< nothing stands in the innermost brackets yet
     bool afterKey_ = false; ///< the value belongs on the key's line

@@ -17,9 +17,9 @@ constexpr QLatin1StringView uuidPattern("00000000-0000-0000-0000-000000000000");
 
 // --- Writing
 
-void putDigits(char *place, int count, int value) {
-    for (int i = count - 1; i >= 0; --i, value /= 10)
-        place[i] = static_cast<char>('0' + value % 10);
+void putDigits(char *place, int count, unsigned value, unsigned base = 10) {
+    for (int i = count - 1; i >= 0; --i, value /= base)
+        place[i] = "0123456789ABCDEF"[value % base];
 }
 
 void write(JsonWriter &json, const QDateTime &date) {
@@ -31,17 +31,24 @@ void write(JsonWriter &json, const QDateTime &date) {
     const hh_mm_ss clock(time - day);
     std::array<char, datePattern.size()> text;
     std::copy(datePattern.begin(), datePattern.end(), text.begin());
-    putDigits(&text[0], 4, static_cast<int>(ymd.year()));
-    putDigits(&text[5], 2, static_cast<int>(static_cast<unsigned>(ymd.month())));
-    putDigits(&text[8], 2, static_cast<int>(static_cast<unsigned>(ymd.day())));
-    putDigits(&text[11], 2, static_cast<int>(clock.hours().count()));
-    putDigits(&text[14], 2, static_cast<int>(clock.minutes().count()));
-    putDigits(&text[17], 2, static_cast<int>(clock.seconds().count()));
+    putDigits(&text[0], 4, static_cast<unsigned>(static_cast<int>(ymd.year())));
+    putDigits(&text[5], 2, static_cast<unsigned>(ymd.month()));
+    putDigits(&text[8], 2, static_cast<unsigned>(ymd.day()));
+    putDigits(&text[11], 2, static_cast<unsigned>(clock.hours().count()));
+    putDigits(&text[14], 2, static_cast<unsigned>(clock.minutes().count()));
+    putDigits(&text[17], 2, static_cast<unsigned>(clock.seconds().count()));
     json.plainString(QByteArrayView(text.data(), text.size()));
 }
 
 void write(JsonWriter &json, const QUuid &id) {
-    json.plainString(id.toByteArray(QUuid::WithoutBraces).toUpper());
+    std::array<char, uuidPattern.size()> text;
+    std::copy(uuidPattern.begin(), uuidPattern.end(), text.begin());
+    putDigits(&text[0], 8, id.data1, 16);
+    putDigits(&text[9], 4, id.data2, 16);
+    putDigits(&text[14], 4, id.data3, 16);
+    for (std::size_t i = 0; i < 8; ++i)
+        putDigits(&text[(i < 2 ? 19 : 20) + 2 * i], 2, id.data4[i], 16);
+    json.plainString(QByteArrayView(text.data(), text.size()));
 }
 
 void write(JsonWriter &json, const TranscriptRecord &record) {

@@ -50,13 +50,6 @@ QString decomposed(QStringView text) {
     });
 }
 
-QString caseFolded(QStringView text) {
-    return filled(text.size(), [&](UChar *buffer, int32_t capacity, UErrorCode &error) {
-        return u_strFoldCase(buffer, capacity, units(text), length(text), U_FOLD_CASE_DEFAULT,
-                             &error);
-    });
-}
-
 template <typename Predicate>
 QStringView trimmedOf(QStringView text, Predicate &&isDropped) {
     const UChar *unit = units(text);
@@ -158,6 +151,13 @@ bool Text::equalsCaseInsensitively(QStringView left, QStringView right) {
 
 QString Text::canonicalKey(QStringView text) {
     return isAscii(text) ? text.toString() : decomposed(text);
+}
+
+QString Text::caseFolded(QStringView text) {
+    return filled(text.size(), [&](UChar *buffer, int32_t capacity, UErrorCode &error) {
+        return u_strFoldCase(buffer, capacity, units(text), length(text), U_FOLD_CASE_DEFAULT,
+                             &error);
+    });
 }
 
 QString Text::caselessKey(QStringView text) {

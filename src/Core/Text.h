@@ -35,6 +35,10 @@ QString canonicalKey(QStringView text);
 /// Equal for two texts, unit by unit, exactly when equalsCaseInsensitively holds for them.
 QString caselessKey(QStringView text);
 
+/// In the case that case-insensitive matching compares in: a text that such a match of a phrase is
+/// in, so folded, contains the phrase, so folded.
+QString caseFolded(QStringView text);
+
 /// Without case and diacritics, to compare unit by unit. A diacritic is a mark on a Latin, Greek,
 /// Cyrillic, Hebrew or Arabic letter; elsewhere marks spell, as in か and が, and stay.
 QString folded(QStringView text);

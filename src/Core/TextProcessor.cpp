@@ -58,7 +58,13 @@ QList<Replacement> replacements(const QList<VocabularyEntry> &vocabulary) {
 }
 
 QString replacingVocabulary(const QString &text, const QList<VocabularyEntry> &vocabulary) {
-    const QList<Replacement> pairs = replacements(vocabulary);
+    QList<Replacement> pairs = replacements(vocabulary);
+    // At each word the engine tries one phrase after the other, so those that aren't in the text at
+    // all, nearly all of a large dictionary, stay out of the pattern.
+    const QString folded = Text::caseFolded(text);
+    pairs.removeIf([&folded](const Replacement &pair) {
+        return !folded.contains(Text::caseFolded(pair.phrase));
+    });
     if (pairs.isEmpty())
         return text;
     QString alternatives;

@@ -173,7 +173,7 @@ TEST(Properties, TheDictionaryReplacesAsAPlainScanDoes) {
         return text;
     };
     const AppSettings neither{.removeFillers = false, .smartPunctuation = false};
-    for (int round = 0; round < rounds; ++round) {
+    for (int round = 0; round < 500; ++round) {
         Entries entries;
         for (int i = random.number(0, 12); i > 0; --i)
             entries.append(
@@ -186,7 +186,7 @@ TEST(Properties, TheDictionaryReplacesAsAPlainScanDoes) {
 
 TEST(Properties, ProcessingIsTotalAndLeavesNoOuterBlanks) {
     Random random;
-    for (int round = 0; round < rounds; ++round) {
+    for (int round = 0; round < 200; ++round) {
         const QString text = random.text(60);
         const QString output = TextProcessor::process(text, {}, {}, AppSettings());
         ASSERT_TRUE(Text::trimmed(output) == output) << testing::PrintToString(text);
