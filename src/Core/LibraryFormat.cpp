@@ -23,7 +23,8 @@ void putDigits(char *place, int count, unsigned value, unsigned base = 10) {
 }
 
 void write(JsonWriter &json, const QDateTime &date) {
-    const sys_seconds time = floor<seconds>(sys_time(milliseconds(date.toMSecsSinceEpoch())));
+    const sys_seconds time =
+        floor<seconds>(sys_time<milliseconds>(milliseconds(date.toMSecsSinceEpoch())));
     const sys_days day = floor<days>(time);
     const year_month_day ymd(day);
     if (!date.isValid() || ymd.year() < year(0) || ymd.year() > year(9999))
