@@ -311,12 +311,13 @@ TEST_F(PulseAudioInputTest, TheAudioThreadDoesNotAllocate) {
 
 TEST_F(PulseAudioInputTest, StartIsQuickAndSoIsTheFirstBuffer) {
     input.format();
+    std::vector<double> formats;
     std::vector<double> starts;
     std::vector<double> firsts;
     for (int i = 0; i < 20; ++i) {
         Ear ear;
         const auto begin = SteadyClock::now();
-        EXPECT_LT(millisecondsOf([&] { input.format(); }), 5);
+        formats.push_back(millisecondsOf([&] { input.format(); }));
         input.start(mono, ear.tap(), nobody());
         starts.push_back(millisecondsSince(begin));
         ASSERT_TRUE(waitUntil([&] { return ear.frames() > 0; }));
@@ -324,11 +325,13 @@ TEST_F(PulseAudioInputTest, StartIsQuickAndSoIsTheFirstBuffer) {
             std::chrono::duration<double, std::milli>(ear.arrivals()[0].time - begin).count());
         input.stop();
     }
+    std::sort(formats.begin(), formats.end());
     std::sort(starts.begin(), starts.end());
     std::sort(firsts.begin(), firsts.end());
     printf(
         "start: median %.1f ms, longest %.1f ms; first buffer: median %.1f ms, longest %.1f ms\n",
         starts[10], starts.back(), firsts[10], firsts.back());
+    EXPECT_LT(formats[10], 1);
     EXPECT_LT(starts.back(), 500);
 }
 
@@ -386,8 +389,10 @@ TEST_F(PulseAudioInputTest, NothingHeardBeforeAStopIsLost) {
     printf(
         "lost at stop: median %.1f ms, most %.1f ms; stop took: median %.1f ms, longest %.1f ms\n",
         losses[20], losses.back(), durations[20], durations.back());
-    EXPECT_LT(losses.back(), 10);
-    EXPECT_LT(durations.back(), 200);
+    // A busy machine may hold up the server, or this test, for a moment.
+    EXPECT_LT(losses[20], 1);
+    EXPECT_LT(losses.back(), 40);
+    EXPECT_LT(durations.back(), 400);
 }
 
 TEST_F(PulseAudioInputTest, NoFrameIsLostOrDoubledBetweenBuffers) {
@@ -468,8 +473,8 @@ TEST_F(PulseAudioInputTest, AServerThatHangsHoldsNobodyUpAndCatchesUp) {
     input.start(mono, ear.tap(), nobody());
     ASSERT_TRUE(waitUntil([&] { return ear.frames() >= 2048; }));
     sound.hang();
-    EXPECT_LT(millisecondsOf([&] { input.stop(); }), 250);
-    EXPECT_LT(millisecondsOf([&] { input.format(); }), 5);
+    EXPECT_LT(millisecondsOf([&] { input.stop(); }), 400);
+    EXPECT_LT(millisecondsOf([&] { input.format(); }), 100);
     QString error;
     EXPECT_LT(
         millisecondsOf([&] { error = errorOf([&] { input.start(mono, ear.tap(), nobody()); }); }),
@@ -477,7 +482,7 @@ TEST_F(PulseAudioInputTest, AServerThatHangsHoldsNobodyUpAndCatchesUp) {
     EXPECT_EQ(error, QStringLiteral("The sound server doesn’t answer."));
     PulseAudioInput other(clock);
     AudioFormat format;
-    EXPECT_LT(millisecondsOf([&] { format = other.format(); }), 600);
+    EXPECT_LT(millisecondsOf([&] { format = other.format(); }), 800);
     EXPECT_FALSE(format.isUsable());
 
     sound.goOn();

@@ -231,11 +231,11 @@ TEST_F(DesktopPermissionsTest, AStoreThatHangsHoldsNobodyUpAndTheLastAnswerHolds
     QElapsedTimer timer;
     timer.start();
     EXPECT_EQ(permissions.microphoneStatus(), 3);
-    EXPECT_LT(timer.elapsed(), 300);
+    EXPECT_LT(timer.elapsed(), 400);
     timer.start();
     EXPECT_EQ(permissions.microphoneStatus(), 3);
     EXPECT_EQ(permissions.speechStatus(), 0);
-    EXPECT_LT(timer.elapsed(), 50) << "a store that hung a moment ago is asked again at once";
+    EXPECT_LT(timer.elapsed(), 150) << "a store that hung a moment ago is asked again at once";
     ::kill(pid_t(id.value()), SIGCONT);
 }
 
