@@ -2,6 +2,7 @@
 
 #include "Platform/Clock.h"
 
+#include <algorithm>
 #include <deque>
 #include <map>
 #include <mutex>

@@ -8,7 +8,8 @@
 
 namespace lorvane {
 
-/// The default source of PulseAudio or PipeWire. The tap is called on libpulse's thread.
+/// The default source of PulseAudio or PipeWire. The tap is called on libpulse's thread,
+/// but for its last, short buffer, which `stop` delivers itself.
 ///
 /// `stop` waits for what the microphone has heard until then, which takes about as long as one
 /// delivery of the source and never more than 150 milliseconds, and delivers it to the tap.
