@@ -14,8 +14,9 @@ namespace lorvane {
 
 bool isCompositorRunning() {
 #if QT_CONFIG(xcb)
+    // Qt's offscreen platform has the interface too, without a connection behind it.
     const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (!x11)
+    if (!x11 || QGuiApplication::platformName() != u"xcb")
         return true;
     // The convention of EWMH: a compositor owns this selection, here that of the first screen.
     constexpr std::string_view selection = "_NET_WM_CM_S0";

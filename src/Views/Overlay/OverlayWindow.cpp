@@ -42,6 +42,10 @@ void OverlayWindow::setMeter(Meter &meter) {
     view_->setSource(QUrl(u"qrc:/qt/qml/Lorvane/Overlay/Indicator.qml"_qs));
     view_->resize(cardSize);
     view_->create();
+    QObject::connect(&meter, &QObject::destroyed, view_.get(), [this] {
+        orderOut();
+        view_.reset();
+    });
 }
 
 QSize OverlayWindow::size() const { return cardSize; }

@@ -22,7 +22,7 @@ public:
     ~OverlayWindow() override;
 
     /// Tells what the card draws, and makes the window ahead of its first use, so that it then
-    /// appears at once. `meter` outlives the window.
+    /// appears at once. The window goes when `meter` does.
     void setMeter(Meter &meter);
 
     QSize size() const override;

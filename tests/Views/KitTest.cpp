@@ -1,0 +1,84 @@
+#include "Views/Kit/Formatting.h"
+#include "Views/Kit/Shadow.h"
+#include "Views/Kit/Symbols.h"
+
+#include <QDirIterator>
+#include <QFile>
+#include <QLocale>
+#include <QRegularExpression>
+
+#include <gtest/gtest.h>
+
+namespace lorvane {
+namespace {
+
+TEST(SymbolsTest, EveryNameHasAnImageInTheWantedColour) {
+    ASSERT_FALSE(Symbols::names().isEmpty());
+    for (const QString &name : Symbols::names()) {
+        const QImage image = Symbols::image(name, Qt::red, QSize(32, 32));
+        ASSERT_EQ(image.size(), QSize(32, 32)) << name.toStdString();
+        bool isDrawn = false;
+        for (int y = 0; y < 32; ++y) {
+            for (int x = 0; x < 32; ++x) {
+                const QColor pixel = image.pixelColor(x, y);
+                isDrawn |= pixel.alpha() == 255;
+                EXPECT_TRUE(pixel.alpha() == 0 || (pixel.green() == 0 && pixel.blue() == 0));
+            }
+        }
+        EXPECT_TRUE(isDrawn) << name.toStdString();
+    }
+}
+
+TEST(SymbolsTest, AnUnknownNameHasNoImage) {
+    EXPECT_TRUE(Symbols::image(u"no.such.symbol"_qs, Qt::red, QSize(16, 16)).isNull());
+}
+
+TEST(SymbolsTest, EveryNameInThePagesIsKnown) {
+    static const QRegularExpression use(
+        uR"re((?:\bname|symbol|icon): (?:[\w.]+ \? )?"([a-z0-9.]+)"(?: : "([a-z0-9.]+)")?)re"_qs);
+    int found = 0;
+    QDirIterator files(u":/qt/qml/Lorvane"_qs, {u"*.qml"_qs}, QDir::Files,
+                       QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        QFile file(files.next());
+        ASSERT_TRUE(file.open(QFile::ReadOnly));
+        auto matches = use.globalMatch(QString::fromUtf8(file.readAll()));
+        while (matches.hasNext()) {
+            const auto match = matches.next();
+            for (int group = 1; group <= match.lastCapturedIndex(); ++group) {
+                ++found;
+                EXPECT_TRUE(Symbols::names().contains(match.captured(group)))
+                    << file.fileName().toStdString() << ": " << match.captured(group).toStdString();
+            }
+        }
+    }
+    EXPECT_GE(found, 10);
+}
+
+TEST(FormattingTest, NumbersAreGroupedByTheLocale) {
+    EXPECT_EQ(groupedNumber(999), u"999"_qs);
+    EXPECT_EQ(groupedNumber(1234567), u"1,234,567"_qs);
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    EXPECT_EQ(groupedNumber(1234567), u"1.234.567"_qs);
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+}
+
+TEST(FormattingTest, DatesAreAbbreviatedWithAShortTime) {
+    const QDateTime date({2026, 3, 14}, {15, 9, 26}, Qt::UTC);
+    // The blank before PM is a narrow one in newer data.
+    EXPECT_EQ(dateLabel(date).replace(QChar(0x202F), u' '), u"Mar 14, 2026, 3:09 PM"_qs);
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    EXPECT_EQ(dateLabel(date), u"14.03.2026, 15:09"_qs);
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+}
+
+TEST(ShadowTest, AShadowIsFullInTheMiddleHalfAtTheEdgeAndGoneOutside) {
+    const QImage shadow = shadowImage(QSize(100, 100), 24, 12, QColor(200, 0, 0, 200));
+    EXPECT_NEAR(shadow.pixelColor(50, 50).alpha(), 200, 2);
+    EXPECT_NEAR(shadow.pixelColor(50, 12).alpha(), 100, 10);
+    EXPECT_LE(shadow.pixelColor(50, 0).alpha(), 8);
+    EXPECT_LE(shadow.pixelColor(2, 2).alpha(), 1) << "the corners are round";
+}
+
+} // namespace
+} // namespace lorvane

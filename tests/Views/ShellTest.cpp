@@ -1,0 +1,143 @@
+#include "Views/Shell/MainWindow.h"
+#include "Views/Shell/TrayItem.h"
+
+#include "ViewFixture.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QMenu>
+
+#include <gtest/gtest.h>
+
+namespace lorvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+class ShellTest : public ViewFixture {
+protected:
+    void SetUp() override {
+        ViewFixture::SetUp();
+        window = std::make_unique<MainWindow>(engine, *store);
+    }
+    void TearDown() override {
+        window.reset();
+        ViewFixture::TearDown();
+    }
+
+    static QWindow *frame() {
+        for (QWindow *window : QGuiApplication::topLevelWindows())
+            if (window->isVisible() && window->title() == u"Lorvane")
+                return window;
+        return nullptr;
+    }
+
+    std::unique_ptr<MainWindow> window;
+};
+
+TEST_F(ShellTest, TheWindowHasItsSizeAndCanBeClosedAndOpenedAgain) {
+    window->open();
+    ASSERT_NE(frame(), nullptr);
+    EXPECT_EQ(frame()->size(), QSize(1120, 760));
+    EXPECT_EQ(frame()->minimumSize(), QSize(950, 650));
+    window->close();
+    EXPECT_FALSE(window->isOpen());
+    window->open();
+    EXPECT_TRUE(window->isOpen());
+    EXPECT_TRUE(shows(u"A little less typing."_qs));
+}
+
+TEST_F(ShellTest, OpeningAnOpenWindowKeepsIt) {
+    window->open();
+    const QWindow *first = frame();
+    window->open();
+    EXPECT_EQ(frame(), first);
+}
+
+TEST_F(ShellTest, TheSidebarHasTheNameThePagesAndTheState) {
+    window->open();
+    for (const QString &text :
+         {u"Lorvane app icon"_qs, u"Lorvane"_qs, u"LESS TYPING. MORE YOU."_qs, u"WORKSPACE"_qs,
+          u"Ready when you are"_qs, u"Hold ⌃ ⌥ Space"_qs, u"Made for your train of thought."_qs})
+        EXPECT_TRUE(shows(text)) << text.toStdString();
+    ASSERT_NE(button(u"Home"_qs), nullptr);
+    EXPECT_TRUE(button(u"Home"_qs)->state().selected);
+    hold();
+    EXPECT_TRUE(shows(u"Listening to you"_qs));
+    EXPECT_FALSE(shows(u"Ready when you are"_qs));
+}
+
+TEST_F(ShellTest, AnErrorHidesTheStatusUntilItIsDismissed) {
+    // A shortcut that is taken is a status; a library that can't be read is an error.
+    QFile library(ports.libraryPath());
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(library).path()));
+    ASSERT_TRUE(library.open(QFile::WriteOnly));
+    library.write("no library");
+    library.close();
+    ports.hotKey.status = -9878;
+    window.reset();
+    makeStore();
+    window = std::make_unique<MainWindow>(engine, *store);
+    window->open();
+    const QString error = store->errorMessage();
+    const QString status = store->statusMessage();
+    ASSERT_FALSE(error.isEmpty());
+    ASSERT_FALSE(status.isEmpty());
+    EXPECT_TRUE(shows(error));
+    EXPECT_FALSE(shows(status));
+
+    ASSERT_TRUE(activate(u"Dismiss message"_qs));
+    EXPECT_FALSE(shows(error));
+    EXPECT_TRUE(shows(status));
+
+    ASSERT_TRUE(activate(u"Dismiss message"_qs));
+    EXPECT_FALSE(shows(status));
+    EXPECT_FALSE(button(u"Dismiss message"_qs)) << "without a message there is no banner";
+}
+
+TEST_F(ShellTest, TheMenuOfTheTrayItemFollowsTheDictation) {
+    TrayItem tray(*store, *window);
+    const auto entries = [&] {
+        QStringList texts;
+        for (const QAction *action : tray.menu().actions()) {
+            if (action->isSeparator())
+                texts.append(u"-"_qs);
+            else if (action->isVisible())
+                texts.append(action->text() + (action->isEnabled() ? QString() : u" (out)"_qs));
+        }
+        return texts;
+    };
+    const QString hint = u"Hold ⌃⌥Space · release to paste (out)"_qs;
+    EXPECT_EQ(entries(), (QStringList{u"Open Lorvane"_qs, u"-"_qs, u"Start Dictation"_qs, hint,
+                                      u"-"_qs, u"Quit Lorvane"_qs}));
+    hold();
+    speak(1s);
+    EXPECT_EQ(entries(), (QStringList{u"Open Lorvane"_qs, u"-"_qs, u"Finish Dictation"_qs,
+                                      u"Cancel Dictation"_qs, hint, u"-"_qs, u"Quit Lorvane"_qs}));
+    letGo();
+    ASSERT_TRUE(store->isBusy());
+    EXPECT_EQ(entries(), (QStringList{u"Open Lorvane"_qs, u"-"_qs, u"Start Dictation (out)"_qs,
+                                      hint, u"-"_qs, u"Quit Lorvane"_qs}));
+}
+
+TEST_F(ShellTest, TheMenuOfTheTrayItemActs) {
+    TrayItem tray(*store, *window);
+    const auto trigger = [&](const QString &text) {
+        for (QAction *action : tray.menu().actions())
+            if (action->text() == text)
+                action->trigger();
+        clock().runUntilIdle();
+    };
+    trigger(u"Open Lorvane"_qs);
+    EXPECT_TRUE(window->isOpen());
+    trigger(u"Start Dictation"_qs);
+    EXPECT_TRUE(store->isRecording());
+    trigger(u"Cancel Dictation"_qs);
+    EXPECT_FALSE(store->isRecording());
+    trigger(u"Quit Lorvane"_qs);
+    EXPECT_FALSE(ports.hotKey.isRegistered()) << "the store has been shut down";
+}
+
+} // namespace
+} // namespace lorvane
