@@ -22,6 +22,8 @@ constexpr auto settleLimit = 40ms;
 AtSpiAccessibility::AtSpiAccessibility() {
     connect(&bus_, &AtSpiBus::connected, this, &AtSpiAccessibility::follow);
     connect(&bus_, &AtSpiBus::disconnected, this, [this] { applications_.clear(); });
+    // An application that comes to the bus late may have the focus already.
+    connect(&bus_, &AtSpiBus::joined, this, &AtSpiAccessibility::search);
     connect(&bus_, &AtSpiBus::left, this,
             [this](const QString &name) { applications_.remove(name); });
     bus_.open();

@@ -4,6 +4,7 @@
 #include <QDBusError>
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
+#include <QDBusVariant>
 
 #include <algorithm>
 #include <chrono>
@@ -42,21 +43,24 @@ std::optional<AtSpiStates> statesIn(const QDBusMessage &answer) {
     return states;
 }
 
+AccessibleElement elementIn(const QDBusArgument &argument) {
+    AccessibleElement element;
+    QDBusObjectPath path;
+    argument.beginStructure();
+    argument >> element.bus >> path;
+    argument.endStructure();
+    element.path = path.path();
+    return element;
+}
+
 QList<AccessibleElement> elementsIn(const QDBusMessage &answer) {
     QList<AccessibleElement> elements;
     if (answer.type() != QDBusMessage::ReplyMessage || answer.signature() != u"a(so)")
         return elements;
     const auto argument = answer.arguments().constFirst().value<QDBusArgument>();
     argument.beginArray();
-    while (!argument.atEnd()) {
-        AccessibleElement element;
-        QDBusObjectPath path;
-        argument.beginStructure();
-        argument >> element.bus >> path;
-        argument.endStructure();
-        element.path = path.path();
-        elements.append(element);
-    }
+    while (!argument.atEnd())
+        elements.append(elementIn(argument));
     argument.endArray();
     return elements;
 }
@@ -119,6 +123,9 @@ void AtSpiBus::connectTo(const QString &address) {
     connection_->connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
                          QStringLiteral("org.freedesktop.DBus.Local"),
                          QStringLiteral("Disconnected"), this, SLOT(handleDisconnection()));
+    connection_->connect(registryName, rootPath, QStringLiteral("org.a11y.atspi.Event.Object"),
+                         QStringLiteral("ChildrenChanged"), this,
+                         SLOT(handleChildrenChange(QDBusMessage)));
     watcher_.setConnection(*connection_);
     Q_EMIT connected();
 }
@@ -135,6 +142,15 @@ void AtSpiBus::close() {
 void AtSpiBus::handleDisconnection() {
     close();
     Q_EMIT disconnected();
+}
+
+void AtSpiBus::handleChildrenChange(const QDBusMessage &event) {
+    const auto child = event.arguments().value(3).value<QDBusVariant>().variant();
+    if (event.arguments().value(0).toString() != u"add" || !child.canConvert<QDBusArgument>())
+        return;
+    const auto argument = child.value<QDBusArgument>();
+    if (argument.currentSignature() == u"(so)")
+        Q_EMIT joined(elementIn(argument).bus);
 }
 
 void AtSpiBus::subscribe(const QString &event, const QString &interface, const QString &member,

@@ -66,7 +66,6 @@ public:
     /// the signals that tell of it to a slot that takes a QDBusMessage.
     void subscribe(const QString &event, const QString &interface, const QString &member,
                    const QStringList &arguments, QObject *receiver, const char *slot);
-    /// `left` tells when the name leaves the bus.
     void watch(const QString &name) { watcher_.addWatchedService(name); }
 
     /// The elements that stand for the whole desktop and for an application.
@@ -76,6 +75,9 @@ public:
 Q_SIGNALS:
     void connected();
     void disconnected();
+    /// An application has come to the bus.
+    void joined(const QString &name);
+    /// A name that is watched has left it.
     void left(const QString &name);
 
 private:
@@ -84,6 +86,7 @@ private:
     void connectTo(const QString &address);
     void close();
     Q_SLOT void handleDisconnection();
+    Q_SLOT void handleChildrenChange(const QDBusMessage &event);
 
     std::optional<QDBusConnection> connection_;
     QDBusServiceWatcher watcher_;         ///< of names on the accessibility bus

@@ -18,7 +18,7 @@ constexpr auto timeLimit = 500ms;
 constexpr qint32 noAnswer = -XCB_CONN_ERROR;
 constexpr qint32 badValue = 2; // the X error of a key that isn't there
 
-// Keys without this bit set in an event's type come from the server, not from a program.
+// In the type of an event that another program has sent: no key was pressed.
 constexpr uint8_t sentEventBit = 0x80;
 
 } // namespace
