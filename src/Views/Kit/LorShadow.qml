@@ -14,7 +14,7 @@ Item {
     Image {
         anchors.fill: parent
         anchors.margins: -shadow.blur
-        sourceSize: Qt.size(Math.round(width * shadow.scaling), Math.round(height * shadow.scaling))
+        sourceSize: Qt.size(shadow.width + 2 * shadow.blur, shadow.height + 2 * shadow.blur)
         source: `image://shadow/${shadow.cornerRadius * shadow.scaling}/${shadow.blur * shadow.scaling}/`
                 + shadow.color.toString().slice(1)
         Accessible.ignored: true

@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Window
 
 // An indeterminate progress indicator: spokes that fade around a circle. It turns in steps, so
 // that it costs a few small frames a second and not sixty.
@@ -39,7 +40,7 @@ Item {
     Timer {
         interval: 100
         repeat: true
-        running: spinner.visible
+        running: spinner.visible && spinner.Window.visibility !== Window.Hidden
         onTriggered: spinner.position = (spinner.position + 1) % spinner.spokes
     }
 }

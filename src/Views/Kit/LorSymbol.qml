@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Window
 
 // An icon of the design, by its name, in one colour. It stands beside a text that tells the same.
 Item {
@@ -10,7 +9,6 @@ Item {
     property real size: 16
 
     readonly property string argb: color.toString().slice(1)
-    readonly property int pixels: Math.round(size * Screen.devicePixelRatio)
 
     implicitWidth: size
     implicitHeight: size
@@ -19,7 +17,7 @@ Item {
         anchors.centerIn: parent
         width: symbol.size
         height: symbol.size
-        sourceSize: Qt.size(symbol.pixels, symbol.pixels)
+        sourceSize: Qt.size(symbol.size, symbol.size)
         source: `image://symbol/${symbol.name}/${symbol.argb}`
         Accessible.ignored: true
     }

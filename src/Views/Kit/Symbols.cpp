@@ -64,6 +64,16 @@ QIcon Symbols::icon(const QString &name, const QColor &color) {
     return icon;
 }
 
+QIcon Symbols::appIcon() {
+    QIcon icon;
+    for (const int side : {16, 32, 48, 64, 128, 256}) {
+        QImageReader reader(u":/qt/qml/Lorvane/AppIcon.svg"_qs);
+        reader.setScaledSize(QSize(side, side));
+        icon.addPixmap(QPixmap::fromImage(reader.read()));
+    }
+    return icon;
+}
+
 QImage SymbolProvider::requestImage(const QString &id, QSize *size, const QSize &requestedSize) {
     const QString name = id.section(u'/', 0, 0);
     const QColor color(u"#"_qs + id.section(u'/', 1, 1));

@@ -22,6 +22,9 @@ QImage image(const QString &name, const QColor &color, const QSize &size);
 /// The same in the sizes that panels and menus ask for.
 QIcon icon(const QString &name, const QColor &color);
 
+/// The application's own icon.
+QIcon appIcon();
+
 } // namespace Symbols
 
 /// Serves "image://symbol/<name>/<argb in hexadecimal>" to QML.

@@ -6,6 +6,8 @@
 #include "Views/Kit/Symbols.h"
 #include "Views/Setup/SetupModel.h"
 
+#include <QGuiApplication>
+
 namespace lorvane {
 
 ViewEngine::ViewEngine(QObject *parent) : QQmlEngine(parent) {
@@ -15,6 +17,7 @@ ViewEngine::ViewEngine(QObject *parent) : QQmlEngine(parent) {
     addImportPath(u"qrc:/qt/qml"_qs);
     addImageProvider(u"shadow"_qs, new ShadowProvider);
     addImageProvider(u"symbol"_qs, new SymbolProvider);
+    QGuiApplication::setWindowIcon(Symbols::appIcon());
 }
 
 } // namespace lorvane
