@@ -27,10 +27,18 @@ struct SpeechResult {
     bool isFinal = false;
 };
 
+/// How much of a request's audio, in seconds at either end, is a neighbouring piece's too and is
+/// there to be listened to, not to be written down: 0 where the recording itself ends.
+struct SpeechContext {
+    double before = 0;
+    double after = 0;
+};
+
 struct SpeechOptions {
     bool reportPartialResults = true;
     QStringList contextualStrings; ///< phrases to listen for
     bool requiresOnDeviceRecognition = true;
+    SpeechContext context; ///< of a file request
 };
 
 /// Called on a thread of the recogniser's, any number of times, with a result, an error text fit to

@@ -17,7 +17,7 @@ QString cancelledText() { return u"Transcription cancelled."_s; }
 
 Async<FileSpeechRecognition::Result>
 FileSpeechRecognition::recognize(QString url, std::shared_ptr<SpeechRecognizer> recognizer,
-                                 QStringList contextualStrings) {
+                                 QStringList contextualStrings, SpeechContext context) {
     const std::stop_token cancellation = co_await currentCancellation;
     if (cancellation.stop_requested()) {
         Result cancelled{{}, cancelledText()};
@@ -28,6 +28,7 @@ FileSpeechRecognition::recognize(QString url, std::shared_ptr<SpeechRecognizer> 
     options.reportPartialResults = false;
     options.contextualStrings = contextualStrings;
     options.requiresOnDeviceRecognition = recognizer->supportsOnDeviceRecognition();
+    options.context = context;
 
     assembly_ = TranscriptAssembly();
     operationID_ = QUuid::createUuid();

@@ -124,8 +124,9 @@ SpeechTranscriber::transcribeInChunks(std::shared_ptr<AudioRecording> recording,
 
         const auto recognition = FileSpeechRecognition::make(ports_.clock);
         fileRecognition_ = recognition;
+        const SpeechContext context{chunk.coreStart - chunk.start, chunk.end - chunk.coreEnd};
         const FileSpeechRecognition::Result result =
-            co_await recognition->recognize(url, recognizer, contextualStrings_);
+            co_await recognition->recognize(url, recognizer, contextualStrings_, context);
         if (self)
             fileRecognition_.reset();
         if (isStale(self, session, cancellation))

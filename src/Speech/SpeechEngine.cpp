@@ -1,6 +1,7 @@
 #include "Speech/SpeechEngine.h"
 
 #include "Core/LocalizedError.h"
+#include "Speech/OwnWords.h"
 #include "Speech/Level.h"
 #include "Speech/Stretches.h"
 
@@ -44,7 +45,7 @@ QList<TimedWord> SpeechEngine::recognize(std::span<const float> samples, const Q
     QList<TimedWord> words;
     for (const VoiceSpan &stretch : planStretches(activity.probabilities(), duration))
         words.append(recognizeStretch(voice, stretch, size, options, stop));
-    return words;
+    return ownWords(words, duration, options.context);
 }
 
 QList<TimedWord> SpeechEngine::recognizeStretch(std::span<const float> samples, VoiceSpan stretch,

@@ -408,13 +408,20 @@ TEST_F(SpeechTranscriberTest, LongRecordingIsRecognisedInChunksAndStitched) {
         return double(ports.audioFile.contents(path)->frameCount()) / 48000;
     };
     EXPECT_DOUBLE_EQ(chunkLength(0), 31);
+    const auto context = [this] { return ports.speech.fileRequests().back()->options.context; };
+    EXPECT_EQ(context().before, 0) << "the recording begins here";
+    EXPECT_EQ(context().after, 1);
     answerChunk(u"and then we left"_s, 27.9, 0.5);
     EXPECT_EQ(transcriber.processingMessage(), u"Transcribing part 2 of 3…"_s);
+    EXPECT_EQ(context().before, 1);
+    EXPECT_EQ(context().after, 1);
     EXPECT_EQ(transcriber.transcript(), u"and then we left"_s);
     EXPECT_FALSE(QFileInfo::exists(recordingFolder() + u"/chunk-0.caf"_s));
     // The chunk begins at 29 s: "left" stands at 29.5 s in both.
     answerChunk(u"left the building"_s, 0.5, 0.5);
     EXPECT_EQ(transcriber.processingMessage(), u"Transcribing part 3 of 3…"_s);
+    EXPECT_EQ(context().before, 1);
+    EXPECT_EQ(context().after, 0) << "the recording ends here";
     answerChunk(u"quietly"_s, 1.5, 0.5);
     EXPECT_EQ(text, u"and then we left the building quietly"_s);
     EXPECT_TRUE(transcriber.transcriptionComplete());
