@@ -16,7 +16,6 @@ int main(int argc, char **argv) {
     TerminationSignals::block();
     QApplication application(argc, argv);
     QApplication::setApplicationName(u"lorvane"_s);
-    QApplication::setApplicationDisplayName(u"Lorvane"_s);
     QApplication::setDesktopFileName(u"net.lorvane.Lorvane"_s);
     // The program lives in the tray as much as in its window.
     QApplication::setQuitOnLastWindowClosed(false);
