@@ -3,10 +3,12 @@
 
 #include "ViewFixture.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QMenu>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -53,6 +55,25 @@ TEST_F(ShellTest, OpeningAnOpenWindowKeepsIt) {
     const QWindow *first = frame();
     window->open();
     EXPECT_EQ(frame(), first);
+}
+
+TEST_F(ShellTest, TheProgramCanQuitWhileTheGuideIsOpen) {
+    store->showSetupGuide();
+    QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+    QTimer guard;
+    guard.setSingleShot(true);
+    guard.callOnTimeout([] { QCoreApplication::exit(1); });
+    guard.start(3000);
+    EXPECT_EQ(QApplication::exec(), 0);
+}
+
+TEST_F(ShellTest, TheGuideIsNotClosedByItsFrame) {
+    store->showSetupGuide();
+    for (QWindow *open : QGuiApplication::topLevelWindows())
+        if (open->modality() == Qt::WindowModal)
+            open->close();
+    EXPECT_TRUE(store->isSetupPresented());
+    EXPECT_TRUE(shows(u"LORVANE · GETTING STARTED"_qs));
 }
 
 TEST_F(ShellTest, TheSidebarHasTheNameThePagesAndTheState) {
