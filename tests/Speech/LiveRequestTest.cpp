@@ -10,7 +10,8 @@ namespace {
 thread_local int allocations = 0;
 }
 
-// Counts what a thread allocates.
+// Counts what a thread allocates. The address sanitizer has operators of its own.
+#ifndef __SANITIZE_ADDRESS__
 void *operator new(std::size_t size) {
     ++allocations;
     if (void *memory = std::malloc(size))
@@ -19,6 +20,7 @@ void *operator new(std::size_t size) {
 }
 void operator delete(void *memory) noexcept { std::free(memory); }
 void operator delete(void *memory, std::size_t) noexcept { std::free(memory); }
+#endif
 
 namespace lorvane {
 namespace {
