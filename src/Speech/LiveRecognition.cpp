@@ -5,6 +5,7 @@
 #include "Speech/Stretches.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace lorvane {
 
@@ -16,6 +17,11 @@ using namespace std::chrono_literals;
 constexpr auto interval = 500ms;
 /// The share of its time that the worker rests after a transcription, to stay below one core.
 constexpr int restingShare = 4;
+
+/// When more than this many seconds are open to change, what stands before a pause is settled, so
+/// that an update stays cheap and the text calm. This much stays open around the pause.
+constexpr double longestOpenStretch = 12;
+constexpr double contextKept = 3;
 
 } // namespace
 
@@ -74,16 +80,42 @@ void LiveRecognition::transcribe(const std::stop_token &stop) {
     const std::vector<VoiceSpan> stretches = planStretches(activity_->probabilities(), duration);
     if (stretches.empty() || stretches.back().end == transcribedEnd_)
         return;
-    QList<TimedWord> words;
-    for (const VoiceSpan &stretch : stretches)
-        words.append(
-            engine_->recognizeStretch(samples_, stretch, liveModel, request_->options(), stop));
+    const std::vector<float> voice = amplified(samples_, gain_);
+    QList<TimedWord> words = settledWords_;
+    for (const VoiceSpan &stretch : stretches) {
+        const VoiceSpan open{std::max(stretch.start, settledEnd_), stretch.end};
+        if (open.end > open.start)
+            words.append(
+                engine_->recognizeStretch(voice, open, liveModel, request_->options(), stop));
+    }
     transcribedEnd_ = stretches.back().end;
     const bool isNews =
         makeResult(words, false).formattedString != makeResult(words_, false).formattedString;
     words_ = std::move(words);
     if (isNews)
         handler_(makeResult(words_, false), {});
+    settle(stretches.back());
+}
+
+void LiveRecognition::settle(VoiceSpan stretch) {
+    const double start = std::max(stretch.start, settledEnd_);
+    if (stretch.end - start < longestOpenStretch)
+        return;
+    const std::vector<VoiceSpan> spans = voiceSpans(activity_->probabilities());
+    double widest = 0;
+    double cut = start;
+    for (std::size_t i = 1; i < spans.size(); ++i) {
+        const double pause = spans[i].start - spans[i - 1].end;
+        if (spans[i - 1].end > start + contextKept && spans[i].start < stretch.end - contextKept &&
+            pause > widest) {
+            widest = pause;
+            cut = spans[i - 1].end + pause / 2;
+        }
+    }
+    settledEnd_ = cut;
+    settledWords_.clear();
+    std::copy_if(words_.begin(), words_.end(), std::back_inserter(settledWords_),
+                 [cut](const TimedWord &word) { return word.start < cut; });
 }
 
 } // namespace lorvane

@@ -25,6 +25,8 @@ private:
     void listen(const std::stop_token &stop);
     /// Transcribes the voice if there is more of it than last time.
     void transcribe(const std::stop_token &stop);
+    /// Takes the words before a pause as they are, once the last stretch has become long.
+    void settle(VoiceSpan stretch);
 
     const std::shared_ptr<LiveRequest> request_;
     const std::shared_ptr<SpeechEngine> engine_;
@@ -40,6 +42,8 @@ private:
     float gain_ = 1;
     double transcribedEnd_ = 0; ///< up to where, in seconds
     QList<TimedWord> words_;
+    double settledEnd_ = 0; ///< what was said before it isn't transcribed again
+    QList<TimedWord> settledWords_;
 };
 
 } // namespace lorvane
