@@ -207,7 +207,11 @@ TEST(FileSpeech, IsAbandonedWhereverItIs) {
         samples.insert(samples.end(), prompt.begin(), prompt.end());
     }
     const QString path = writeAudio(samples);
-    recognizeSamples(silence(1)); // the models are loaded
+    recognizeSamples(sentence()); // loads the models, which takes its time
+    const auto start = std::chrono::steady_clock::now();
+    recognizeSamples(samples);
+    const double whole =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     double slowest = 0;
     for (const int milliseconds : {0, 20, 60, 150, 300, 500, 800, 1200}) {
         SpeechListener listener;
@@ -229,7 +233,7 @@ TEST(FileSpeech, IsAbandonedWhereverItIs) {
             EXPECT_FALSE(listener.heard().error);
         }
     }
-    EXPECT_LT(slowest, 1) << "much more than the tenth of a second that it takes";
+    EXPECT_LT(slowest, whole / 2) << "it went on to the end";
 }
 
 TEST(FileSpeech, IsCancelledByTheEndOfItsTask) {

@@ -1,5 +1,7 @@
 #include "Speech/SpeechListener.h"
 
+#include <gtest/gtest.h>
+
 namespace lorvane {
 
 SpeechHandler SpeechListener::handler() {
@@ -26,17 +28,43 @@ SpeechHandler SpeechListener::handler() {
         };
 }
 
+namespace {
+
+/// Ends the recogniser before the process begins to end: the runtime's own globals go before ours.
+struct RealSpeech : testing::Environment {
+    SndfileAudioFile audioFile;
+    std::unique_ptr<OnDeviceSpeech> speech;
+    std::shared_ptr<SpeechRecognizer> english;
+
+    void TearDown() override {
+        english.reset();
+        speech.reset();
+    }
+};
+
+RealSpeech &real() {
+    static RealSpeech &real =
+        static_cast<RealSpeech &>(*testing::AddGlobalTestEnvironment(new RealSpeech));
+    return real;
+}
+
+[[maybe_unused]] const RealSpeech &registered = real();
+
+} // namespace
+
 OnDeviceSpeech &realSpeech() {
-    static SndfileAudioFile audioFile;
-    static OnDeviceSpeech speech(audioFile, QStringLiteral(LORVANE_MODELS));
-    return speech;
+    if (!real().speech)
+        real().speech =
+            std::make_unique<OnDeviceSpeech>(real().audioFile, QStringLiteral(LORVANE_MODELS));
+    return *real().speech;
 }
 
 SpeechRecognizer &englishRecognizer() {
-    static const auto recognizer = realSpeech().makeRecognizer(u"en-AU"_qs);
-    if (!recognizer)
+    if (!real().english)
+        real().english = realSpeech().makeRecognizer(u"en-AU"_qs);
+    if (!real().english)
         throw std::runtime_error("there is no recogniser: run scripts/fetch-speech");
-    return *recognizer;
+    return *real().english;
 }
 
 QString writeAudio(const std::vector<float> &samples, double sampleRate, int channelCount) {
