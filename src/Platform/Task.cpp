@@ -9,7 +9,7 @@ Async<> sleep(Clock &clock, std::chrono::nanoseconds delay) {
 
     Clock::TimerId timer = 0;
     std::optional<std::stop_callback<std::function<void()>>> onCancel;
-    co_await suspend<bool>(clock, [&](Continuation<bool> wake) {
+    co_await suspend<bool>(clock, [&](const Continuation<bool> &wake) {
         timer = clock.callAfter(delay, [wake] { wake.resume(true); });
         onCancel.emplace(cancellation, [wake] { wake.resume(false); });
     });

@@ -1,8 +1,8 @@
 #include "Speech/SpeechEngine.h"
 
 #include "Core/LocalizedError.h"
-#include "Speech/OwnWords.h"
 #include "Speech/Level.h"
+#include "Speech/OwnWords.h"
 #include "Speech/Stretches.h"
 
 #include <algorithm>
