@@ -2,7 +2,7 @@
 """Turns a fuzzing corpus into a text file with one input a line, and back.
 
     fuzz-corpus.py unpack FILE FOLDER
-    fuzz-corpus.py pack FOLDER FILE MOST
+    fuzz-corpus.py pack FOLDER FILE
 
 In a line, a backslash is written twice, and a byte that isn't printable ASCII as \\xNN.
 """
@@ -29,10 +29,10 @@ def unpack(file, folder):
         (pathlib.Path(folder) / hashlib.sha1(data).hexdigest()).write_bytes(data)
 
 
-def pack(folder, file, most):
+def pack(folder, file):
     lines = sorted((escaped(path.read_bytes()) for path in pathlib.Path(folder).iterdir()), key=len)
-    pathlib.Path(file).write_text(''.join(line + '\n' for line in lines[:int(most)]))
-    print(f'{file}: {min(len(lines), int(most))} of {len(lines)} inputs kept')
+    pathlib.Path(file).write_text(''.join(line + '\n' for line in lines))
+    print(f'{file}: {len(lines)} inputs')
 
 
 {'unpack': unpack, 'pack': pack}[sys.argv[1]](*sys.argv[2:])

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace lorvane {
 
@@ -10,7 +11,10 @@ QList<AudioChunk> AudioChunk::plan(double duration, double coreDuration, double 
     // Written so that NaN, which no comparison holds for, plans nothing.
     if (!(std::isfinite(duration) && duration > 0 && coreDuration > 0 && overlap >= 0))
         return chunks;
-    const int count = static_cast<int>(std::ceil(duration / coreDuration));
+    const double pieces = std::ceil(duration / coreDuration);
+    if (pieces > std::numeric_limits<int>::max())
+        return chunks;
+    const int count = static_cast<int>(pieces);
     chunks.reserve(count);
     for (int index = 0; index < count; ++index) {
         const double coreStart = index * coreDuration;

@@ -16,7 +16,7 @@ struct AudioChunk {
 
     /// Pieces of `coreDuration` that cover the recording, each reaching `overlap` into its
     /// neighbours. Empty unless duration (finite) and coreDuration are above 0 and overlap is not
-    /// below it.
+    /// below it, and for more pieces than an int can count.
     static QList<AudioChunk> plan(double duration, double coreDuration = 30, double overlap = 1);
 };
 

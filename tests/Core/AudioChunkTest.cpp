@@ -50,6 +50,11 @@ TEST(AudioChunkPlan, PlansNothingForAnImpossibleCoreOrOverlap) {
         EXPECT_EQ(AudioChunk::plan(45, 30, overlap), Plan()) << overlap;
 }
 
+TEST(AudioChunkPlan, PlansNothingForMorePiecesThanCanBeCounted) {
+    EXPECT_EQ(AudioChunk::plan(1e300), Plan());
+    EXPECT_EQ(AudioChunk::plan(1, 1e-300), Plan());
+}
+
 TEST(AudioChunks, AreEqualWhenAllFieldsAre) {
     const AudioChunk chunk{1, 2, 3, 4, 5};
     EXPECT_EQ(chunk, (AudioChunk{1, 2, 3, 4, 5}));

@@ -63,7 +63,7 @@ TEST(SavingKilled, TwoHundredTimesLeavesTheLastOrTheNextLibraryWhole) {
     int inTheMiddle = 0;
     for (int round = 0; round < 200; ++round) {
         const nanoseconds delay(
-            static_cast<qint64>(static_cast<double>(oneSave.count()) * random.real(0, 3)));
+            static_cast<qint64>(static_cast<double>(oneSave.count()) * random.real(0, 6)));
         const pid_t child = ::fork();
         ASSERT_GE(child, 0);
         if (child == 0) {

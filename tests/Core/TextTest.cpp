@@ -273,5 +273,83 @@ TEST(Endings, ArentLettersOrNumbersOtherwise) {
         EXPECT_FALSE(Text::endsInLetterOrNumber(text)) << testing::PrintToString(text);
 }
 
+// --- Every operation on every kind of text
+
+struct Kind {
+    const char *name;
+    QString text;
+    qsizetype words;
+    qsizetype characters;
+    QString folded;
+    QString withUppercaseStart;
+    bool endsInLetterOrNumber;
+    QString otherCase;
+};
+
+void PrintTo(const Kind &kind, std::ostream *out) { *out << kind.name; }
+
+class EveryKindOfText : public testing::TestWithParam<Kind> {};
+
+TEST_P(EveryKindOfText, IsTrimmedCountedFoldedAndRaisedByUnicode) {
+    const Kind &kind = GetParam();
+    EXPECT_EQ(Text::trimmed(u" \u2029"_s + kind.text + u"\u3000\n"_s), kind.text);
+    EXPECT_EQ(Text::trimmedOfPunctuation(u"(\u00BF"_s + kind.text + u"\u201D "_s), kind.text);
+    EXPECT_FALSE(Text::isBlank(kind.text));
+    EXPECT_EQ(Text::wordCount(kind.text), kind.words);
+    EXPECT_EQ(Text::characterCount(kind.text), kind.characters);
+    EXPECT_EQ(Text::folded(kind.text), kind.folded);
+    EXPECT_EQ(Text::withUppercaseStart(kind.text), kind.withUppercaseStart);
+    EXPECT_EQ(Text::endsInLetterOrNumber(kind.text), kind.endsInLetterOrNumber);
+}
+
+TEST_P(EveryKindOfText, IsComparedByUnicode) {
+    const Kind &kind = GetParam();
+    for (const auto form : {QString::NormalizationForm_C, QString::NormalizationForm_D}) {
+        EXPECT_TRUE(Text::equalsCanonically(kind.text, kind.text.normalized(form)));
+        EXPECT_TRUE(Text::equalsCaseInsensitively(kind.otherCase, kind.text.normalized(form)));
+        EXPECT_EQ(Text::canonicalKey(kind.text), Text::canonicalKey(kind.text.normalized(form)));
+        EXPECT_EQ(Text::caselessKey(kind.text), Text::caselessKey(kind.otherCase.normalized(form)));
+        EXPECT_EQ(Text::folded(kind.text), Text::folded(kind.otherCase.normalized(form)));
+    }
+    EXPECT_EQ(Text::equalsCanonically(kind.text, kind.otherCase), kind.text == kind.otherCase);
+    EXPECT_FALSE(Text::equalsCanonically(kind.text, kind.text + u'x'));
+    EXPECT_FALSE(Text::equalsCaseInsensitively(kind.text, kind.text + u'x'));
+}
+
+std::string kindName(const testing::TestParamInfo<Kind> &kind) { return kind.param.name; }
+
+INSTANTIATE_TEST_SUITE_P(
+    Text, EveryKindOfText,
+    testing::Values(
+        Kind{"Composed", u"caf\u00E9 \u00E9"_s, 2, 6, u"cafe e"_s, u"Caf\u00E9 \u00E9"_s, true,
+             u"CAF\u00C9 \u00C9"_s},
+        Kind{"Decomposed", u"cafe\u0301 e\u0301"_s, 2, 6, u"cafe e"_s, u"Cafe\u0301 e\u0301"_s,
+             true, u"CAFE\u0301 E\u0301"_s},
+        Kind{"Combining", u"e\u0327\u0301x\u0323"_s, 1, 2, u"ex"_s, u"E\u0327\u0301x\u0323"_s, true,
+             u"E\u0327\u0301X\u0323"_s},
+        Kind{"SurrogatePairs", u"\U00010428\U0001D518 \U00010429"_s, 2, 4,
+             u"\U00010428\U0001D518 \U00010429"_s, u"\U00010400\U0001D518 \U00010429"_s, true,
+             u"\U00010400\U0001D518 \U00010401"_s},
+        Kind{"RightToLeft", u"\u05E9\u05C1\u05DC\u05D5\u05DD \u0645\u064E\u0631"_s, 2, 7,
+             u"\u05E9\u05DC\u05D5\u05DD \u0645\u0631"_s,
+             u"\u05E9\u05C1\u05DC\u05D5\u05DD \u0645\u064E\u0631"_s, true,
+             u"\u05E9\u05C1\u05DC\u05D5\u05DD \u0645\u064E\u0631"_s},
+        Kind{"TurkishI", u"\u0130i\u0131I"_s, 1, 4, u"ii\u0131i"_s, u"\u0130i\u0131I"_s, true,
+             u"i\u0307I\u0131i"_s},
+        Kind{"GreekSigma", u"\u03C2\u03C3\u03CC\u03C2"_s, 1, 4, u"\u03C3\u03C3\u03BF\u03C3"_s,
+             u"\u03A3\u03C3\u03CC\u03C2"_s, true, u"\u03A3\u03A3\u038C\u03A3"_s},
+        Kind{"SharpS", u"\u00DFa \u1E9E"_s, 2, 4, u"ssa ss"_s, u"SSa \u1E9E"_s, true, u"SSA ss"_s},
+        Kind{"Japanese", u"\u304B\u3099\u304C \u65E5\u672C\u30FC"_s, 2, 6,
+             u"\u304B\u3099\u304B\u3099 \u65E5\u672C\u30FC"_s,
+             u"\u304B\u3099\u304C \u65E5\u672C\u30FC"_s, true,
+             u"\u304B\u3099\u304C \u65E5\u672C\u30FC"_s},
+        Kind{"EmojiSequences", family + flag + u" \U0001F44D\U0001F3FD"_s, 2, 4,
+             family + flag + u" \U0001F44D\U0001F3FD"_s, family + flag + u" \U0001F44D\U0001F3FD"_s,
+             false, family + flag + u" \U0001F44D\U0001F3FD"_s},
+        Kind{"UnpairedSurrogatesAndNul", highHalf + u"a\u00E9"_s + lowHalf + nul, 1, 5,
+             highHalf + u"ae"_s + lowHalf + nul, highHalf + u"a\u00E9"_s + lowHalf + nul, false,
+             highHalf + u"A\u00C9"_s + lowHalf + nul}),
+    kindName);
+
 } // namespace
 } // namespace lorvane
