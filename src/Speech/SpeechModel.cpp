@@ -46,7 +46,7 @@ public:
         inputs_.push_back(std::move(hidden));
         const std::vector<int64_t> nothing{0, model.headCount_, 1, model.headSize_};
         for (int i = 0; i < model.layerCount_ * 4; ++i)
-            inputs_.push_back(tensorOf<float>(nullptr_, nothing));
+            inputs_.push_back(tensorOf(&noValue_, nothing));
         inputs_.push_back(tensorOf(useCache_.data(), {1}));
     }
 
@@ -71,8 +71,7 @@ private:
     SpeechModel &model_;
     std::array<int64_t, 1> token_{};
     std::array<bool, 1> useCache_{};
-    float none_ = 0;
-    float *nullptr_ = &none_;
+    float noValue_ = 0; ///< where an empty tensor points
     std::vector<Ort::Value> inputs_;
 };
 
