@@ -22,12 +22,6 @@ protected:
                               "Accessibility access and the original text field."_s;
     const QString copied = u"Saved to history and copied to the clipboard."_s;
 
-    /// Leaves a start waiting: the prompt for speech stands although the check has passed.
-    void standPrompt() {
-        ports.permissions.speechAnswer.reset();
-        hold();
-    }
-
     QString textOnDisk() const {
         const auto history = LocalRepository(ports.libraryPath()).load().history;
         return history.isEmpty() ? QString() : history.first().text;
@@ -37,6 +31,16 @@ protected:
         AppSettings settings = store->settings();
         settings.autoPaste = autoPaste;
         store->setSettings(settings);
+    }
+
+    /// A whole button recording, up to the wait for the paste.
+    void recordByButton(const QString &words) {
+        store->toggleRecording();
+        clock().runUntilIdle();
+        speak(1s);
+        store->toggleRecording();
+        clock().runUntilIdle();
+        answer(words);
     }
 
     void expectIdle() {
@@ -255,12 +259,7 @@ TEST_F(DictationFlowTest, ReleaseAfterTheButtonEndedAHoldAddsNothing) {
 // Button recordings
 
 TEST_F(DictationFlowTest, ButtonRecordingIsOnlyCopiedUnlessPastingIsSet) {
-    store->toggleRecording();
-    clock().runUntilIdle();
-    speak(1s);
-    store->toggleRecording();
-    clock().runUntilIdle();
-    answer(u"hello"_s);
+    recordByButton(u"hello"_s);
     EXPECT_EQ(store->statusMessage(), copied);
     EXPECT_EQ(ports.pasteboard.text, u"Hello."_s);
     EXPECT_EQ(ports.keyboard.pasteCount, 0);
@@ -271,12 +270,7 @@ TEST_F(DictationFlowTest, ButtonRecordingFromOurWindowPastesIntoTheLastOtherAppl
     setAutoPaste(true);
     ports.workspace.bringForward({QCoreApplication::applicationPid(), 9, 9});
     clock().runUntilIdle();
-    store->toggleRecording();
-    clock().runUntilIdle();
-    speak(1s);
-    store->toggleRecording();
-    clock().runUntilIdle();
-    answer(u"hello"_s);
+    recordByButton(u"hello"_s);
     clock().advance(1s);
     EXPECT_EQ(ports.workspace.activated, QList{editor});
     EXPECT_EQ(store->statusMessage(), pasted);
@@ -286,12 +280,7 @@ TEST_F(DictationFlowTest, ButtonRecordingWithNowhereToPasteSaysSo) {
     ports.workspace.front = RunningApplication{QCoreApplication::applicationPid(), 9, 9};
     makeStore();
     setAutoPaste(true);
-    store->toggleRecording();
-    clock().runUntilIdle();
-    speak(1s);
-    store->toggleRecording();
-    clock().runUntilIdle();
-    answer(u"hello"_s);
+    recordByButton(u"hello"_s);
     clock().advance(1s);
     EXPECT_EQ(store->statusMessage(), notPasted);
 }
