@@ -105,7 +105,8 @@ void createFolder(const QString &path, SystemCalls &calls) {
         throw FileError(path, QStringLiteral("could not be created"), code);
 }
 
-void replaceFile(const QString &path, QByteArrayView bytes, SystemCalls &calls) {
+void replaceFile(const QString &path, const std::function<void(const ByteSink &)> &writeContents,
+                 SystemCalls &calls) {
     const QString target = linkTarget(path, calls);
     const QByteArray targetName = QFile::encodeName(target);
     QByteArray temporaryName = targetName + ".XXXXXX";
@@ -117,15 +118,17 @@ void replaceFile(const QString &path, QByteArrayView bytes, SystemCalls &calls) 
     if (!temporary.isOpen())
         throw failure(u"could not be written");
     try {
-        if (!temporary.write(bytes))
-            throw failure(u"could not be written");
+        writeContents([&](QByteArrayView bytes) {
+            if (!temporary.write(bytes))
+                throw failure(u"could not be written");
+        });
         if (!temporary.sync())
             throw failure(u"could not be synced");
         if (!temporary.close())
             throw failure(u"could not be written");
         if (calls.rename(temporaryName.constData(), targetName.constData()) < 0)
             throw failure(u"could not be replaced");
-    } catch (const FileError &) {
+    } catch (const LocalizedError &) {
         calls.unlink(temporaryName.constData());
         throw;
     }

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "Core/ByteSink.h"
 #include "Core/SystemCalls.h"
 
-#include <QByteArrayView>
 #include <QString>
 
 namespace lorvane {
@@ -11,9 +11,11 @@ namespace lorvane {
 /// existing folder is no error. Throws FileError.
 void createFolder(const QString &path, SystemCalls &calls);
 
-/// Replaces the file by these bytes in one step that survives a crash, and leaves it with mode
-/// 0600. A symbolic link is followed and stays one. Throws FileError; until the step is taken the
-/// old file stands, and no other file is left beside it.
-void replaceFile(const QString &path, QByteArrayView bytes, SystemCalls &calls);
+/// Replaces the file by what `writeContents` hands to its sink, in one step that survives a crash,
+/// and leaves it with mode 0600. A symbolic link is followed and stays one. Throws FileError, and
+/// passes on what `writeContents` throws; until the step is taken the old file stands, and no other
+/// file is left beside it.
+void replaceFile(const QString &path, const std::function<void(const ByteSink &)> &writeContents,
+                 SystemCalls &calls);
 
 } // namespace lorvane

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <iterator>
 #include <utility>
 
 namespace lorvane {
@@ -36,17 +37,17 @@ char *writeEscape(char *out, char16_t unit) {
 
 } // namespace
 
-void JsonWriter::grow(qsizetype size) {
-    const qsizetype written = next_ ? next_ - text_.constData() : 0;
-    text_.resize(2 * (written + size) + 64);
-    next_ = text_.data() + written;
-    limit_ = text_.data() + text_.size();
+JsonWriter::JsonWriter(ByteSink sink) : sink_(std::move(sink)), buffer_(65536) {}
+
+void JsonWriter::makeRoom(qsizetype size) {
+    finish();
+    if (std::ssize(buffer_) < size)
+        buffer_.resize(static_cast<std::size_t>(size));
 }
 
-QByteArray JsonWriter::takeText() {
-    text_.truncate(next_ ? next_ - text_.constData() : 0);
-    next_ = limit_ = nullptr;
-    return std::exchange(text_, QByteArray());
+void JsonWriter::finish() {
+    sink_(QByteArrayView(buffer_.data(), size_));
+    size_ = 0;
 }
 
 void JsonWriter::begin(char bracket) {
@@ -131,7 +132,7 @@ void JsonWriter::string(QStringView value) {
         }
     }
     *out++ = '"';
-    next_ = out;
+    size_ = out - buffer_.data();
 }
 
 void JsonWriter::integer(qint64 value) {

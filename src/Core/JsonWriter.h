@@ -1,9 +1,11 @@
 #pragma once
 
-#include <QByteArray>
+#include "Core/ByteSink.h"
+
 #include <QStringView>
 
 #include <algorithm>
+#include <vector>
 
 namespace lorvane {
 
@@ -11,6 +13,11 @@ namespace lorvane {
 /// caller sees to the order of keys and to matching begins and ends.
 class JsonWriter {
 public:
+    explicit JsonWriter(ByteSink sink);
+
+    /// Hands the rest to the sink.
+    void finish();
+
     void beginObject() { begin('{'); }
     void endObject() { end('}'); }
     void beginArray() { begin('['); }
@@ -30,8 +37,6 @@ public:
     /// A string of ASCII that needs no escape.
     void plainString(QByteArrayView value);
 
-    QByteArray takeText();
-
 private:
     void begin(char bracket);
     void end(char bracket);
@@ -40,22 +45,23 @@ private:
 
     /// The place for the next bytes, with room for that many.
     char *room(qsizetype size) {
-        if (limit_ - next_ < size)
-            grow(size);
-        return next_;
+        if (std::ssize(buffer_) - size_ < size)
+            makeRoom(size);
+        return buffer_.data() + size_;
     }
-    void grow(qsizetype size);
+    void makeRoom(qsizetype size);
     void put(char character) {
         *room(1) = character;
-        ++next_;
+        ++size_;
     }
     void put(QByteArrayView bytes) {
-        next_ = std::copy(bytes.begin(), bytes.end(), room(bytes.size()));
+        std::copy(bytes.begin(), bytes.end(), room(bytes.size()));
+        size_ += bytes.size();
     }
 
-    QByteArray text_; ///< written up to next_, with room up to limit_
-    char *next_ = nullptr;
-    char *limit_ = nullptr;
+    ByteSink sink_;
+    std::vector<char> buffer_; ///< the first size_ bytes are written
+    qsizetype size_ = 0;
     qsizetype depth_ = 0;
     bool isFirst_ = true;   ///< nothing stands in the innermost brackets yet
     bool afterKey_ = false; ///< the value belongs on the key's line

@@ -220,8 +220,8 @@ void read(JsonReader &json, QList<Record> &records) {
 
 } // namespace
 
-QByteArray encodeLibrary(const AppSnapshot &snapshot) {
-    JsonWriter json;
+void encodeLibrary(const AppSnapshot &snapshot, const ByteSink &sink) {
+    JsonWriter json(sink);
     json.beginObject();
     json.key("history");
     write(json, snapshot.history);
@@ -236,7 +236,13 @@ QByteArray encodeLibrary(const AppSnapshot &snapshot) {
     json.key("vocabulary");
     write(json, snapshot.vocabulary);
     json.endObject();
-    return json.takeText();
+    json.finish();
+}
+
+QByteArray encodeLibrary(const AppSnapshot &snapshot) {
+    QByteArray text;
+    encodeLibrary(snapshot, [&text](QByteArrayView bytes) { text += bytes; });
+    return text;
 }
 
 AppSnapshot decodeLibrary(const QByteArray &bytes) {

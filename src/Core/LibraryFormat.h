@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/ByteSink.h"
 #include "Core/LocalizedError.h"
 #include "Core/Models.h"
 
@@ -20,8 +21,12 @@ public:
     using LocalizedError::LocalizedError;
 };
 
-/// The snapshot as JSON in UTF-8: keys sorted, two blanks an indent, "/" escaped, no line break at
-/// the end. The fraction of a second of a date is dropped. Throws EncodingError.
+/// Hands the snapshot to the sink as JSON in UTF-8: keys sorted, two blanks an indent, "/" escaped,
+/// no line break at the end. The fraction of a second of a date is dropped. Throws EncodingError,
+/// maybe after a part of the text.
+void encodeLibrary(const AppSnapshot &snapshot, const ByteSink &sink);
+
+/// The same text in one piece.
 QByteArray encodeLibrary(const AppSnapshot &snapshot);
 
 /// The snapshot in a JSON text in UTF-8. Unknown keys are ignored; anything else that isn't as

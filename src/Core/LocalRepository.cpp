@@ -84,7 +84,8 @@ AppSnapshot LocalRepository::load() const {
 
 void LocalRepository::save(const AppSnapshot &snapshot) const {
     createFolder(QFileInfo(fileURL_).path(), *calls_);
-    replaceFile(fileURL_, encodeLibrary(snapshot), *calls_);
+    replaceFile(
+        fileURL_, [&snapshot](const ByteSink &sink) { encodeLibrary(snapshot, sink); }, *calls_);
 }
 
 } // namespace lorvane

@@ -33,6 +33,11 @@ struct Cell {
     bool isHeld;
 };
 
+void PrintTo(const Cell &cell, std::ostream *out) {
+    constexpr const char *names[] = {"Idle", "Preparing", "Recording", "Finishing"};
+    *out << names[static_cast<int>(cell.before)];
+}
+
 class EveryPhase : public testing::TestWithParam<Cell> {};
 
 TEST_P(EveryPhase, MeetsAPressAsTold) {
@@ -65,8 +70,7 @@ TEST_P(EveryPhase, IsHeldOnlyWhileTheKeyIsDown) {
 }
 
 std::string phaseName(const testing::TestParamInfo<Cell> &cell) {
-    constexpr const char *names[] = {"Idle", "Preparing", "Recording", "Finishing"};
-    return names[static_cast<int>(cell.param.before)];
+    return testing::PrintToString(cell.param);
 }
 
 INSTANTIATE_TEST_SUITE_P(

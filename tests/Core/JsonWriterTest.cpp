@@ -8,26 +8,35 @@
 namespace lorvane {
 namespace {
 
-using namespace Qt::StringLiterals;
+/// What `write` writes.
+template <typename Write>
+QByteArray written(Write &&write) {
+    QByteArray text;
+    JsonWriter json([&text](QByteArrayView bytes) { text += bytes; });
+    write(json);
+    json.finish();
+    return text;
+}
 
 TEST(JsonWriting, NestsArraysAndObjects) {
-    JsonWriter json;
-    json.beginArray();
-    json.beginObject();
-    json.endObject();
-    json.beginArray();
-    json.integer(1);
-    json.boolean(true);
-    json.endArray();
-    json.beginObject();
-    json.key("a");
-    json.beginArray();
-    json.endArray();
-    json.key("b");
-    json.number(0.5);
-    json.endObject();
-    json.endArray();
-    EXPECT_EQ(json.takeText().toStdString(), R"([
+    const QByteArray text = written([](JsonWriter &json) {
+        json.beginArray();
+        json.beginObject();
+        json.endObject();
+        json.beginArray();
+        json.integer(1);
+        json.boolean(true);
+        json.endArray();
+        json.beginObject();
+        json.key("a");
+        json.beginArray();
+        json.endArray();
+        json.key("b");
+        json.number(0.5);
+        json.endObject();
+        json.endArray();
+    });
+    EXPECT_EQ(text.toStdString(), R"([
   {},
   [
     1,
@@ -45,9 +54,7 @@ TEST(JsonWriting, OfNumbersReadsBackTheSame) {
     for (const double value :
          {0.0, -0.0, 1.0, -1.5, 0.1, 1e-7, 123456789.125, 1e21, Limits::max(), Limits::lowest(),
           Limits::min(), Limits::denorm_min(), Limits::epsilon()}) {
-        JsonWriter json;
-        json.number(value);
-        const QByteArray text = json.takeText();
+        const QByteArray text = written([value](JsonWriter &json) { json.number(value); });
         EXPECT_EQ(JsonReader(text).readNumber(), value) << text.toStdString();
     }
 }
@@ -55,9 +62,7 @@ TEST(JsonWriting, OfNumbersReadsBackTheSame) {
 TEST(JsonWriting, OfIntegersReadsBackTheSame) {
     using Limits = std::numeric_limits<qint64>;
     for (const qint64 value : {qint64(0), qint64(-1), Limits::max(), Limits::min()}) {
-        JsonWriter json;
-        json.integer(value);
-        const QByteArray text = json.takeText();
+        const QByteArray text = written([value](JsonWriter &json) { json.integer(value); });
         EXPECT_EQ(JsonReader(text).readInteger(), value) << text.toStdString();
     }
 }
@@ -66,11 +71,9 @@ TEST(JsonWriting, OfEveryUnitReadsBackTheSame) {
     QString text;
     for (int unit = 0; unit <= 0xFFFF; ++unit)
         text += QChar(static_cast<char16_t>(unit));
-    JsonWriter json;
-    json.string(text);
-    const QByteArray written = json.takeText();
-    EXPECT_TRUE(written.isValidUtf8());
-    EXPECT_TRUE(JsonReader(written).readString() == text);
+    const QByteArray json = written([&text](JsonWriter &writer) { writer.string(text); });
+    EXPECT_TRUE(json.isValidUtf8());
+    EXPECT_TRUE(JsonReader(json).readString() == text);
 }
 
 } // namespace

@@ -224,12 +224,24 @@ TEST_F(LibraryFile, StandsWhereTheSnapshotCantBeEncoded) {
     EXPECT_THROW(repository().save({.history = {{.createdAt = QDateTime(), .text = u""_s}}}),
                  EncodingError);
     EXPECT_EQ(read(u"library.json"_s), "old");
+    EXPECT_EQ(QDir(folder_.path()).entryList(QDir::Files | QDir::Hidden),
+              QStringList(u"library.json"_s));
 }
 
 TEST_F(LibraryFile, LosesTheFractionOfASecondOnly) {
     const QDateTime instant(QDate(2026, 3, 14), QTime(12, 0, 0, 750), Qt::UTC);
     repository().save({.history = {{.createdAt = instant, .text = u"a"_s}}});
     EXPECT_EQ(repository().load().history.first().createdAt, instant.addMSecs(-750));
+}
+
+TEST_F(LibraryFile, MayBeLargerThanAnyBuffer) {
+    AppSnapshot snapshot{.scratchpad = u"/\u65E5"_s.repeated(100'000)};
+    for (int i = 0; i < 3000; ++i)
+        snapshot.history.append({.createdAt = QDateTime(QDate(2026, 3, 14), QTime(9, 26), Qt::UTC),
+                                 .text = u"word "_s.repeated(i % 100)});
+    repository().save(snapshot);
+    EXPECT_EQ(read(u"library.json"_s), encodeLibrary(snapshot));
+    EXPECT_EQ(repository().load(), snapshot);
 }
 
 TEST_F(LibraryFile, IsReadAgainAfterEverySave) {
