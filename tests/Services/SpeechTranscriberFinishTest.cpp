@@ -1,0 +1,158 @@
+#include "SpeechTranscriberFixture.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace lorvane {
+namespace {
+
+using SpeechTranscriberFinishTest = SpeechTranscriberFixture;
+
+TEST_F(SpeechTranscriberFinishTest, ConfirmedTranscriptRemovesTheFolder) {
+    start();
+    speak(1500ms);
+    const QString folder = recordingFolder();
+    stop();
+    EXPECT_EQ(transcriber.processingMessage(), u"Transcribing part 1 of 1…"_s);
+    EXPECT_DOUBLE_EQ(transcriber.recordedDuration(), 1.5);
+    EXPECT_TRUE(QFileInfo::exists(folder + u"/chunk-0.caf"_s));
+    answerChunk(u"Hello, world."_s);
+    EXPECT_EQ(text, u"Hello, world."_s);
+    EXPECT_EQ(transcriber.transcript(), u"Hello, world."_s);
+    EXPECT_TRUE(transcriber.transcriptionComplete());
+    EXPECT_EQ(transcriber.processingMessage(), u"Transcription complete"_s);
+    EXPECT_EQ(transcriber.recoveryAudioURL(), QString());
+    EXPECT_FALSE(QFileInfo::exists(folder));
+    EXPECT_TRUE(QFileInfo::exists(QFileInfo(folder).path()));
+}
+
+TEST_F(SpeechTranscriberFinishTest, LastWordsThatTheInputHeldBackAreInTheFile) {
+    start();
+    speak(1s);
+    ports.audioInput.tail = std::vector<float>(480, 0.1F);
+    stop();
+    EXPECT_DOUBLE_EQ(transcriber.recordedDuration(), 1.01);
+}
+
+TEST_F(SpeechTranscriberFinishTest, LongRecordingIsRecognisedInChunksAndStitched) {
+    start();
+    speak(61500ms);
+    stop();
+    EXPECT_EQ(transcriber.processingMessage(), u"Transcribing part 1 of 3…"_s);
+    const auto chunkLength = [this](int index) {
+        const QString path = recordingFolder() + u"/chunk-%1.caf"_s.arg(index);
+        return double(ports.audioFile.contents(path)->frameCount()) / 48000;
+    };
+    EXPECT_DOUBLE_EQ(chunkLength(0), 31);
+    const auto context = [this] { return ports.speech.fileRequests().back()->options.context; };
+    EXPECT_EQ(context().before, 0) << "the recording begins here";
+    EXPECT_EQ(context().after, 1);
+    answerChunk(u"and then we left"_s, 27.9, 0.5);
+    EXPECT_EQ(transcriber.processingMessage(), u"Transcribing part 2 of 3…"_s);
+    EXPECT_EQ(context().before, 1);
+    EXPECT_EQ(context().after, 1);
+    EXPECT_EQ(transcriber.transcript(), u"and then we left"_s);
+    EXPECT_FALSE(QFileInfo::exists(recordingFolder() + u"/chunk-0.caf"_s));
+    // The chunk begins at 29 s: "left" stands at 29.5 s in both.
+    answerChunk(u"left the building"_s, 0.5, 0.5);
+    EXPECT_EQ(transcriber.processingMessage(), u"Transcribing part 3 of 3…"_s);
+    EXPECT_EQ(context().before, 1);
+    EXPECT_EQ(context().after, 0) << "the recording ends here";
+    answerChunk(u"quietly"_s, 1.5, 0.5);
+    EXPECT_EQ(text, u"and then we left the building quietly"_s);
+    EXPECT_TRUE(transcriber.transcriptionComplete());
+}
+
+TEST_F(SpeechTranscriberFinishTest, FailedChunkLeavesAHoleWithAName) {
+    start();
+    speak(61500ms);
+    stop();
+    answerChunk(u"first"_s);
+    ports.speech.fileRequests().back()->fail(u"The recogniser broke."_s);
+    clock().runUntilIdle();
+    answerChunk(u"third"_s, 1.5);
+    EXPECT_EQ(text, u"first third"_s);
+    EXPECT_FALSE(transcriber.transcriptionComplete());
+    EXPECT_EQ(transcriber.processingMessage(), u"Recording kept for recovery"_s);
+    const QString url = transcriber.recoveryAudioURL();
+    EXPECT_TRUE(QFileInfo::exists(url));
+    EXPECT_EQ(transcriber.errorMessage(),
+              u"The complete transcription could not be confirmed. Automatic paste was skipped. "
+              "Your original audio is saved at "_s +
+                  url + u". Part 2: The recogniser broke."_s);
+}
+
+TEST_F(SpeechTranscriberFinishTest, RecordingThatIsGoneFromTheDiskMakesEveryChunkAProblem) {
+    start();
+    speak(31s);
+    QFile::remove(recordingFolder() + u"/recording.caf"_s);
+    stop();
+    EXPECT_EQ(text, QString());
+    EXPECT_TRUE(transcriber.errorMessage().contains(u". Part 1: "_s));
+    EXPECT_TRUE(transcriber.errorMessage().contains(u" Part 2: "_s));
+    EXPECT_FALSE(transcriber.transcriptionComplete());
+}
+
+TEST_F(SpeechTranscriberFinishTest, TextMuchShorterThanTheLiveTextIsNotConfirmed) {
+    start();
+    speak(5s);
+    live()->give(FakeSpeech::result(u"a b c d e f g h i j k l"_s, false));
+    clock().runUntilIdle();
+    stop();
+    answerChunk(u"a b c d e f g"_s);
+    EXPECT_EQ(text, u"a b c d e f g"_s) << "the live text is never substituted";
+    EXPECT_FALSE(transcriber.transcriptionComplete());
+    EXPECT_TRUE(transcriber.errorMessage().endsWith(
+        u"The final result was unexpectedly shorter than the live transcript; the audio was kept "
+        "instead of accepting a potentially truncated result."_s));
+}
+
+TEST_F(SpeechTranscriberFinishTest, RecognitionThatHangsRunsIntoItsDeadline) {
+    start();
+    speak(5s);
+    stop();
+    clock().advance(120s);
+    EXPECT_EQ(text, QString());
+    EXPECT_TRUE(transcriber.errorMessage().endsWith(
+        u"Part 1: Recognition timed out before a complete result was available."_s));
+    EXPECT_TRUE(QFileInfo::exists(transcriber.recoveryAudioURL()));
+}
+
+TEST_F(SpeechTranscriberFinishTest, RecordingWithoutFramesIsConfirmedAsEmpty) {
+    start();
+    stop();
+    EXPECT_EQ(text, QString());
+    EXPECT_TRUE(transcriber.transcriptionComplete());
+    EXPECT_TRUE(ports.recordingFolders().isEmpty());
+}
+
+TEST_F(SpeechTranscriberFinishTest, SecondStopJoinsTheRunningFinish) {
+    start();
+    speak(1s);
+    std::optional<QString> other;
+    stop();
+    const auto join = [](SpeechTranscriber &joined, std::optional<QString> &result) -> Async<> {
+        result = co_await joined.stop();
+    };
+    Task<>::run(join(transcriber, other));
+    clock().runUntilIdle();
+    EXPECT_FALSE(other);
+    answerChunk(u"Hello."_s);
+    EXPECT_EQ(text, u"Hello."_s);
+    EXPECT_EQ(other, u"Hello."_s);
+    EXPECT_EQ(ports.speech.fileRequests().size(), 1U);
+}
+
+TEST_F(SpeechTranscriberFinishTest, StopWhenIdleGivesTheTextThatStands) {
+    start();
+    speak(1s);
+    stop();
+    answerChunk(u"Hello."_s);
+    stop();
+    EXPECT_EQ(text, u"Hello."_s);
+}
+
+} // namespace
+} // namespace lorvane
