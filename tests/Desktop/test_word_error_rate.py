@@ -22,6 +22,6 @@ class WordErrorRate(DesktopTest):
             errors = wer.errors(spoken, heard)
             wrong, total = wrong + errors, total + len(spoken)
             print(f"{errors} of {len(spoken):2} {prompt}: {history[0]['text']}", flush=True)
-        print(f"\nWord error rate: {100 * wrong / total:.1f}% ({wrong} of {total} words in "
-              f"{len(prompts)} prompts)", flush=True)
+        print(f"\nFigure: word error rate through the whole chain {100 * wrong / total:.1f}% "
+              f"({wrong} of {total} words in {len(prompts)} prompts)", flush=True)
         self.assertLess(wrong / total, LIMIT)

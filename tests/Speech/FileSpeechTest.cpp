@@ -94,8 +94,9 @@ TEST(FileSpeech, HearsStudioPromptsWithFewErrors) {
     }
     const double seconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    std::printf("%d prompts, %d words: %.2f%% wrong; %.0f s of audio in %.1f s\n", count,
-                errors.wordCount, errors.rate() * 100, audioSeconds, seconds);
+    std::printf("Figure: the bare recogniser on %d prompts, %d words: %.2f%% wrong; "
+                "%.0f s of audio in %.1f s\n",
+                count, errors.wordCount, errors.rate() * 100, audioSeconds, seconds);
     EXPECT_GE(count, 40);
     EXPECT_LE(errors.rate(), 0.04);
 }
