@@ -76,5 +76,25 @@ TEST(JsonWriting, OfEveryUnitReadsBackTheSame) {
     EXPECT_TRUE(JsonReader(json).readString() == text);
 }
 
+TEST(JsonWriting, EscapesAndEncodesAtEveryPlaceOfAString) {
+    const QString longer(40, u'a');
+    for (const QString &special :
+         {QStringLiteral("/"), QStringLiteral("\""), QStringLiteral("\\"), QStringLiteral("\n"),
+          QString(QChar(0x1F)), QString(QChar(0x7F)), QString(QChar(0x80)), QStringLiteral("é"),
+          QStringLiteral("日"), QStringLiteral("😀"), QString(QChar(0xD800))}) {
+        for (qsizetype place = 0; place <= longer.size(); ++place) {
+            QString text = longer;
+            text.insert(place, special);
+            const QByteArray json = written([&text](JsonWriter &writer) { writer.string(text); });
+            EXPECT_TRUE(JsonReader(json).readString() == text) << json.toStdString();
+            QByteArray alone = written([&special](JsonWriter &writer) { writer.string(special); });
+            alone = alone.mid(1, alone.size() - 2);
+            const QByteArray before(place, 'a');
+            const QByteArray after(longer.size() - place, 'a');
+            EXPECT_EQ(json.toStdString(), ('"' + before + alone + after + '"').toStdString());
+        }
+    }
+}
+
 } // namespace
 } // namespace lorvane
