@@ -3,6 +3,7 @@
 #include "Platform/Linux/X11Connection.h"
 
 #include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDeadlineTimer>
 #include <QDir>
@@ -173,10 +174,26 @@ void VirtualDesktop::startAccessibilityBus() {
     const auto call = QDBusMessage::createMethodCall(
         QStringLiteral("org.a11y.Bus"), QStringLiteral("/org/a11y/bus"),
         QStringLiteral("org.a11y.Bus"), QStringLiteral("GetAddress"));
+    QString address;
     const auto isReady = [&] {
-        return QDBusConnection::sessionBus().call(call).type() == QDBusMessage::ReplyMessage;
+        const QDBusMessage reply = QDBusConnection::sessionBus().call(call);
+        address = reply.arguments().value(0).toString();
+        return reply.type() == QDBusMessage::ReplyMessage;
     };
     require(waitUntil(isReady), "the accessibility bus doesn't start");
+
+    const auto name = QStringLiteral("accessibility daemon");
+    accessibilityDaemon_ = QDBusConnection::connectToBus(address, name)
+                               .interface()
+                               ->servicePid(QStringLiteral("org.freedesktop.DBus"));
+    QDBusConnection::disconnectFromBus(name);
+}
+
+void VirtualDesktop::endAccessibilityBus() {
+    end(*accessibilityBus_);
+    // Its launcher doesn't always take the bus along.
+    if (accessibilityDaemon_ > 0)
+        ::kill(static_cast<pid_t>(accessibilityDaemon_), SIGTERM);
 }
 
 void VirtualDesktop::startWindowManager() {

@@ -44,7 +44,7 @@ public:
     void startWindowManager();
     void endWindowManager() { end(*windowManager_); }
     void startAccessibilityBus();
-    void endAccessibilityBus() { end(*accessibilityBus_); }
+    void endAccessibilityBus();
 
     QString folder() const { return folder_.path(); }
 
@@ -58,6 +58,7 @@ private:
     std::vector<std::unique_ptr<QProcess>> processes_;
     QProcess *windowManager_ = nullptr;
     QProcess *accessibilityBus_ = nullptr;
+    uint accessibilityDaemon_ = 0; ///< the process of the bus itself
 };
 
 } // namespace lorvane
