@@ -96,6 +96,36 @@ public:
                                                   SpeechHandler handler) = 0;
 };
 
+/// One stretch of a file as an analyser heard it; a final one never changes any more.
+struct SpeechAnalysisResult {
+    QString text;
+    double start = 0;    ///< in seconds from the start of the file
+    double duration = 0; ///< in seconds
+    bool isFinal = false;
+};
+
+/// The analysis of one whole file, of any length. Destroying it abandons it. Main thread only.
+class SpeechAnalyzer {
+public:
+    /// Called on a thread of the recogniser's, in the order of the recording.
+    using OnResult = std::function<void(const SpeechAnalysisResult &)>;
+    /// Called on a thread of the recogniser's, once, when no result follows: with an error text fit
+    /// to show when the file could not be heard to its end, with none when it was, or was
+    /// abandoned.
+    using OnEnd = std::function<void(const std::optional<QString> &error)>;
+
+    SpeechAnalyzer() = default;
+    SpeechAnalyzer(const SpeechAnalyzer &) = delete;
+    SpeechAnalyzer &operator=(const SpeechAnalyzer &) = delete;
+    virtual ~SpeechAnalyzer() = default;
+
+    /// Begins to analyse the file at `path`; at most once. Returns at once.
+    virtual void start(const QString &path, OnResult onResult, OnEnd onEnd) = 0;
+
+    /// Abandons the analysis within 100 milliseconds and ends its results; does not wait for that.
+    virtual void cancelAndFinishNow() = 0;
+};
+
 /// Makes recognisers. Main thread only.
 class Speech {
 public:
@@ -106,6 +136,11 @@ public:
 
     /// The recogniser for a locale such as "en-AU", or none when there is none for its language.
     virtual std::shared_ptr<SpeechRecognizer> makeRecognizer(const QString &localeIdentifier) = 0;
+
+    /// An analyser for a locale that listens for some phrases, or none where no model that could
+    /// analyse whole files is installed for its language. Nothing is ever downloaded.
+    virtual std::unique_ptr<SpeechAnalyzer> makeAnalyzer(const QString &localeIdentifier,
+                                                         const QStringList &contextualStrings) = 0;
 };
 
 } // namespace lorvane

@@ -156,4 +156,8 @@ std::shared_ptr<SpeechRecognizer> OnDeviceSpeech::makeRecognizer(const QString &
     return std::make_shared<Recognizer>(shared_, engine, localeIdentifier);
 }
 
+std::unique_ptr<SpeechAnalyzer> OnDeviceSpeech::makeAnalyzer(const QString &, const QStringList &) {
+    return nullptr;
+}
+
 } // namespace lorvane

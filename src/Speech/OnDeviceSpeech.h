@@ -21,6 +21,10 @@ public:
 
     std::shared_ptr<SpeechRecognizer> makeRecognizer(const QString &localeIdentifier) override;
 
+    /// There is none yet.
+    std::unique_ptr<SpeechAnalyzer> makeAnalyzer(const QString &localeIdentifier,
+                                                 const QStringList &contextualStrings) override;
+
 private:
     class Shared;
     class Recognizer;

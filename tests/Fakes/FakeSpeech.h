@@ -92,6 +92,10 @@ public:
         return std::make_shared<Recognizer>(*this, localeIdentifier);
     }
 
+    std::unique_ptr<SpeechAnalyzer> makeAnalyzer(const QString &, const QStringList &) override {
+        return nullptr;
+    }
+
 private:
     class BufferRequest : public SpeechBufferRequest {
     public:
