@@ -66,7 +66,7 @@ LorScrollPage {
         }
 
         LorPlainButton {
-            visible: LorPages.hasHistory
+            visible: LorPages.isListed(LorPages.history)
             text: "View history"
             color: LorPalette.accent
             font.weight: Font.Medium

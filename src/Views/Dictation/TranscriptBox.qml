@@ -51,7 +51,7 @@ Rectangle {
             }
 
             LorPlainButton {
-                visible: LorPages.hasHistory
+                visible: LorPages.isListed(LorPages.history)
                 text: "View history"
                 color: LorPalette.accent
                 font.pixelSize: 11

@@ -1,16 +1,49 @@
 pragma Singleton
 import QtQuick
 
-// The pages of the window in the order of the sidebar.
+// The pages of the window, in their order. The sidebar lists those that have a source.
 QtObject {
+    readonly property int home: 0
+    readonly property int history: 1
+    readonly property int dictionary: 2
+    readonly property int snippets: 3
+    readonly property int scratchpad: 4
+    readonly property int settings: 5
+
     readonly property var all: [
         {
             title: "Home",
             icon: "square.grid.2x2",
             source: Qt.resolvedUrl("../Dictation/LorHomeView.qml")
+        },
+        {
+            title: "History",
+            icon: "clock.arrow.circlepath",
+            source: ""
+        },
+        {
+            title: "Dictionary",
+            icon: "character.book.closed",
+            source: ""
+        },
+        {
+            title: "Snippets",
+            icon: "text.bubble",
+            source: ""
+        },
+        {
+            title: "Scratchpad",
+            icon: "square.and.pencil",
+            source: ""
+        },
+        {
+            title: "Settings",
+            icon: "slider.horizontal.3",
+            source: ""
         }
     ]
-    readonly property int home: 0
-    readonly property int history: all.findIndex(page => page.title === "History")
-    readonly property bool hasHistory: history >= 0
+
+    function isListed(page: int): bool {
+        return all[page].source.toString() !== "";
+    }
 }

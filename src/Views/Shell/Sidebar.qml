@@ -63,16 +63,16 @@ Rectangle {
         }
 
         Repeater {
-            model: LorPages.all
+            model: LorPages.all.length
 
-            NavigationButton {
+            PageButton {
                 required property int index
-                required property var modelData
 
-                text: modelData.title
-                symbol: modelData.icon
-                selected: index === sidebar.page
-                onClicked: sidebar.choose(index)
+                visible: page !== LorPages.settings && LorPages.isListed(page)
+                store: sidebar.store
+                page: index
+                selectedPage: sidebar.page
+                onClicked: sidebar.choose(page)
             }
         }
 
@@ -84,6 +84,13 @@ Rectangle {
         StatusPanel {
             Layout.bottomMargin: 16
             isRecording: sidebar.store.isRecording
+        }
+
+        PageButton {
+            store: sidebar.store
+            page: LorPages.settings
+            selectedPage: sidebar.page
+            onClicked: sidebar.choose(page)
         }
 
         LorText {
