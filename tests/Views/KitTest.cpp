@@ -2,6 +2,7 @@
 #include "Views/Kit/Shadow.h"
 #include "Views/Kit/Symbols.h"
 
+#include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QLocale>
@@ -27,6 +28,11 @@ TEST(SymbolsTest, EveryNameHasAnImageInTheWantedColour) {
         }
         EXPECT_TRUE(isDrawn) << name.toStdString();
     }
+}
+
+TEST(SymbolsTest, EveryImageHasAName) {
+    const auto images = QDir(u":/qt/qml/Lorvane/icons"_qs).entryList({u"*.svg"_qs});
+    EXPECT_EQ(images.size(), Symbols::names().size());
 }
 
 TEST(SymbolsTest, AnUnknownNameHasNoImage) {
