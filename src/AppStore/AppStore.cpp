@@ -35,23 +35,6 @@ AppStore::AppStore(const Ports &ports, QObject *parent)
     refreshPermissions();
 }
 
-void AppStore::loadLibrary() {
-    try {
-        repository_ = LocalRepository::applicationDefault();
-        AppSnapshot snapshot = repository_->load();
-        history_ = std::move(snapshot.history);
-        vocabulary_ = std::move(snapshot.vocabulary);
-        snippets_ = std::move(snapshot.snippets);
-        scratchpad_ = std::move(snapshot.scratchpad);
-        settings_ = std::move(snapshot.settings);
-    } catch (const LocalizedError &error) {
-        persistenceEnabled_ = false;
-        setErrorMessage(u"Could not load the library: "_s + error.localizedDescription() +
-                        u" Saving is disabled to preserve the existing file. "
-                        "See README for recovery."_s);
-    }
-}
-
 void AppStore::observeWorkspace() {
     const auto noteExternal = [this](const RunningApplication &application) {
         if (application.processId != QCoreApplication::applicationPid())

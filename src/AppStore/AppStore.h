@@ -32,6 +32,7 @@ class AppStore : public QObject {
     Q_PROPERTY(QString statusMessage READ statusMessage NOTIFY statusMessageChanged)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
     Q_PROPERTY(bool isBusy READ isBusy NOTIFY isBusyChanged)
+    Q_PROPERTY(QString scratchpad READ scratchpad WRITE setScratchpad NOTIFY scratchpadChanged)
     Q_PROPERTY(int historyCount READ historyCount NOTIFY historyChanged)
     Q_PROPERTY(qint64 totalWords READ totalWords NOTIFY historyChanged)
     Q_PROPERTY(double totalDuration READ totalDuration NOTIFY historyChanged)
@@ -64,6 +65,22 @@ public:
     void setSnippets(QList<Snippet> snippets);
     void setScratchpad(QString scratchpad);
     void setSettings(AppSettings settings);
+    /// Remove the element of the same `id`; the argument may be an outdated copy.
+    void deleteTranscript(const TranscriptRecord &record);
+    void deleteVocabulary(const VocabularyEntry &entry);
+    void deleteSnippet(const Snippet &snippet);
+    Q_INVOKABLE void clearHistory();
+    /// Asks for a file in a modal panel, and writes the history to it as plain text.
+    Q_INVOKABLE void exportHistory();
+    /// Replaces the entry of the same `id`, or appends it. Returns why it was refused, if it was;
+    /// nothing has changed then, and the caller shows the words.
+    [[nodiscard]] std::optional<QString> saveVocabulary(const VocabularyEntry &entry);
+    /// Adds an entry for the trimmed texts; a refusal becomes the error message. A blank phrase
+    /// does nothing.
+    void addVocabulary(const QString &phrase, const QString &replacement,
+                       const QStringList &aliases = {});
+    /// The same for a snippet; a blank trigger or content does nothing.
+    void addSnippet(const QString &trigger, const QString &content);
     int historyCount() const { return static_cast<int>(history_.size()); }
     /// The words of all records together.
     qint64 totalWords() const;
@@ -144,7 +161,6 @@ Q_SIGNALS:
 
 private:
     // AppStore.cpp
-    void loadLibrary();
     void observeWorkspace();
     void observeTranscriber();
     void registerShortcut();
@@ -169,7 +185,8 @@ private:
     template <class Change>
     auto mutate(Change change);
 
-    // AppStoreLibrary.cpp
+    // AppStoreSaving.cpp
+    void loadLibrary();
     void observeLibrary();
     void scheduleAutosave();
     void save();

@@ -19,7 +19,7 @@ LinuxPlatform::LinuxPlatform(QQmlEngine &engine)
 Ports LinuxPlatform::ports() {
     return {clock_,   audioInput_, audioFile_,     speech_,   permissions_,
             hotKey_,  workspace_,  accessibility_, keyboard_, pasteboard_,
-            screens_, overlay_,    userDefaults_};
+            screens_, overlay_,    userDefaults_,  savePanel_};
 }
 
 } // namespace lorvane

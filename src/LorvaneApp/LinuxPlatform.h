@@ -4,6 +4,7 @@
 #include "Platform/Linux/DesktopPermissions.h"
 #include "Platform/Linux/PulseAudioInput.h"
 #include "Platform/Linux/QtPasteboard.h"
+#include "Platform/Linux/QtSavePanel.h"
 #include "Platform/Linux/QtScreens.h"
 #include "Platform/Linux/QtUserDefaults.h"
 #include "Platform/Linux/SndfileAudioFile.h"
@@ -42,6 +43,7 @@ private:
     AtSpiAccessibility accessibility_;
     QtPasteboard pasteboard_;
     QtScreens screens_;
+    QtSavePanel savePanel_;
     OverlayWindow overlay_;
 };
 

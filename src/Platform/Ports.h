@@ -11,6 +11,7 @@ class Keyboard;
 class OverlayPanel;
 class Pasteboard;
 class Permissions;
+class SavePanel;
 class Screens;
 class Speech;
 class UserDefaults;
@@ -31,6 +32,7 @@ struct Ports {
     Screens &screens;
     OverlayPanel &overlayPanel;
     UserDefaults &userDefaults;
+    SavePanel &savePanel;
 };
 
 } // namespace lorvane

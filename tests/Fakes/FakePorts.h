@@ -9,6 +9,7 @@
 #include "Fakes/FakeOverlayPanel.h"
 #include "Fakes/FakePasteboard.h"
 #include "Fakes/FakePermissions.h"
+#include "Fakes/FakeSavePanel.h"
 #include "Fakes/FakeScreens.h"
 #include "Fakes/FakeSpeech.h"
 #include "Fakes/FakeUserDefaults.h"
@@ -40,6 +41,7 @@ struct FakePorts {
     FakeScreens screens;
     FakeOverlayPanel overlayPanel;
     FakeUserDefaults userDefaults;
+    FakeSavePanel savePanel;
 
     QString libraryPath() const {
         return dataHome.filePath(QStringLiteral("Lorvane/library.json"));
@@ -57,7 +59,7 @@ struct FakePorts {
     operator Ports() { // NOLINT(google-explicit-constructor): it stands for them everywhere
         return {clock,   audioInput,   audioFile,     speech,   permissions,
                 hotKey,  workspace,    accessibility, keyboard, pasteboard,
-                screens, overlayPanel, userDefaults};
+                screens, overlayPanel, userDefaults,  savePanel};
     }
 };
 
