@@ -94,6 +94,9 @@ private:
     Async<QString> transcribeRecording(std::shared_ptr<AudioRecording> recording,
                                        std::shared_ptr<SpeechRecognizer> recognizer,
                                        double duration, QString captureError, QUuid session);
+    Async<std::optional<QString>> transcribeWhole(std::shared_ptr<AudioRecording> recording,
+                                                  std::shared_ptr<SpeechRecognizer> recognizer,
+                                                  double duration, QUuid session);
     Async<std::optional<QString>> transcribeInChunks(std::shared_ptr<AudioRecording> recording,
                                                      std::shared_ptr<SpeechRecognizer> recognizer,
                                                      double duration, QUuid session,

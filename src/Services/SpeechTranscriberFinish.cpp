@@ -5,6 +5,7 @@
 
 #include "Core/ChunkTranscriptAssembly.h"
 #include "Core/TranscriptIntegrity.h"
+#include "Services/LongFormFileRecognition.h"
 
 #include <QDir>
 #include <QFile>
@@ -77,8 +78,19 @@ Async<QString> SpeechTranscriber::transcribeRecording(std::shared_ptr<AudioRecor
     const QString liveReference = transcript_;
     publish(processingMessage_, u"Transcribing the full recording…"_s);
 
-    const std::optional<QString> finalText =
-        co_await transcribeInChunks(recording, recognizer, duration, session, &problems);
+    std::optional<QString> finalText;
+    try {
+        finalText = co_await transcribeWhole(recording, recognizer, duration, session);
+    } catch (const LocalizedError &) {
+        // The chunks are the remedy, and the user needn't know.
+        if (isStale(self, session, cancellation))
+            co_return self ? transcript_ : QString();
+    }
+    if (finalText && TranscriptIntegrity::isSeverelyShorter(*finalText, liveReference))
+        finalText.reset();
+    if (!finalText && !isStale(self, session, cancellation))
+        finalText =
+            co_await transcribeInChunks(recording, recognizer, duration, session, &problems);
     if (!finalText || isStale(self, session, cancellation))
         co_return self ? transcript_ : QString();
 
@@ -94,6 +106,20 @@ Async<QString> SpeechTranscriber::transcribeRecording(std::shared_ptr<AudioRecor
     capture_.reset();
     recognizer_.reset();
     co_return transcript_;
+}
+
+/// None where no model for whole files is installed.
+Async<std::optional<QString>>
+SpeechTranscriber::transcribeWhole(std::shared_ptr<AudioRecording> recording,
+                                   std::shared_ptr<SpeechRecognizer> recognizer, double duration,
+                                   QUuid session) {
+    LongFormFileRecognition::OnUpdate onUpdate = [self = Self(this), session](const QString &text) {
+        if (self && self->sessionID_ == session)
+            self->publish(self->transcript_, text);
+    };
+    return LongFormFileRecognition::recognizeIfInstalled(
+        ports_.clock, ports_.speech, recording->url, recognizer->localeIdentifier(),
+        contextualStrings_, duration, std::move(onUpdate));
 }
 
 /// None means that the session was cancelled meanwhile.
@@ -121,16 +147,17 @@ SpeechTranscriber::transcribeInChunks(std::shared_ptr<AudioRecording> recording,
             problems->append(u"Part "_s + part + u": "_s + error.localizedDescription());
             continue;
         }
+        if (isStale(self, session, cancellation))
+            co_return std::nullopt;
 
         const auto recognition = FileSpeechRecognition::make(ports_.clock);
         fileRecognition_ = recognition;
         const SpeechContext context{chunk.coreStart - chunk.start, chunk.end - chunk.coreEnd};
         const FileSpeechRecognition::Result result =
             co_await recognition->recognize(url, recognizer, contextualStrings_, context);
-        if (self)
-            fileRecognition_.reset();
         if (isStale(self, session, cancellation))
             co_return std::nullopt;
+        fileRecognition_.reset();
         if (result.error)
             problems->append(u"Part "_s + part + u": "_s + *result.error);
         assembly.append(shifted(result.words, chunk.start));

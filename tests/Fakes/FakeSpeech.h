@@ -53,7 +53,40 @@ public:
         std::vector<std::vector<float>> buffers_;
     };
 
+    /// One analysis of a whole file, as the program asked for it. It stays when it is over.
+    class Analysis {
+    public:
+        QString localeIdentifier;
+        QStringList contextualStrings;
+        QString path;             ///< null until it is started
+        bool isCancelled = false; ///< by `cancelAndFinishNow` or because its analyser is gone
+        bool isDeaf = false;      ///< does not end when it is cancelled
+
+        void give(const QString &text, double start, double duration, bool isFinal = true) const {
+            onResult_({text, start, duration, isFinal});
+        }
+        void end() { finish({}); }
+        void fail(const QString &error) { finish(error); }
+
+    private:
+        friend class FakeSpeech;
+
+        void finish(const std::optional<QString> &error) {
+            if (const auto onEnd = std::exchange(onEnd_, nullptr))
+                onEnd(error);
+        }
+        void cancel() {
+            isCancelled = true;
+            if (!isDeaf)
+                end();
+        }
+
+        SpeechAnalyzer::OnResult onResult_;
+        SpeechAnalyzer::OnEnd onEnd_;
+    };
+
     using RequestPointer = std::shared_ptr<Request>;
+    using AnalysisPointer = std::shared_ptr<Analysis>;
 
     /// A result of the words of `text`, `secondsPerWord` each, the first at `start`.
     static SpeechResult result(const QString &text, bool isFinal, double start = 0,
@@ -74,12 +107,15 @@ public:
     QStringList languages{QStringLiteral("en")}; ///< those that have a recogniser
     bool isAvailable = true;
     bool supportsOnDeviceRecognition = true;
+    bool hasAnalyzer = false; ///< whether a model for whole files is installed
     /// Called at the start of a recognition, for a recogniser that answers at once.
     std::function<void(const RequestPointer &)> onRecognize;
+    std::function<void(const AnalysisPointer &)> onAnalyze; ///< the same for an analysis
 
     // What was asked, in order.
     QStringList requestedLocales;
     std::vector<RequestPointer> requests; ///< those given to `recognize`
+    std::vector<AnalysisPointer> analyses;
 
     std::vector<RequestPointer> liveRequests() const { return select(true); }
     std::vector<RequestPointer> fileRequests() const { return select(false); }
@@ -92,8 +128,14 @@ public:
         return std::make_shared<Recognizer>(*this, localeIdentifier);
     }
 
-    std::unique_ptr<SpeechAnalyzer> makeAnalyzer(const QString &, const QStringList &) override {
-        return nullptr;
+    std::unique_ptr<SpeechAnalyzer> makeAnalyzer(const QString &localeIdentifier,
+                                                 const QStringList &contextualStrings) override {
+        if (!hasAnalyzer)
+            return nullptr;
+        analyses.push_back(std::make_shared<Analysis>());
+        analyses.back()->localeIdentifier = localeIdentifier;
+        analyses.back()->contextualStrings = contextualStrings;
+        return std::make_unique<Analyzer>(*this, analyses.back());
     }
 
 private:
@@ -120,6 +162,26 @@ private:
 
     private:
         RequestPointer request_;
+    };
+
+    class Analyzer : public SpeechAnalyzer {
+    public:
+        Analyzer(FakeSpeech &speech, AnalysisPointer analysis)
+            : speech_(speech), analysis_(std::move(analysis)) {}
+        ~Analyzer() override { analysis_->cancel(); }
+
+        void start(const QString &path, OnResult onResult, OnEnd onEnd) override {
+            analysis_->path = path;
+            analysis_->onResult_ = std::move(onResult);
+            analysis_->onEnd_ = std::move(onEnd);
+            if (speech_.onAnalyze)
+                speech_.onAnalyze(analysis_);
+        }
+        void cancelAndFinishNow() override { analysis_->cancel(); }
+
+    private:
+        FakeSpeech &speech_;
+        AnalysisPointer analysis_;
     };
 
     class Recognizer : public SpeechRecognizer {
