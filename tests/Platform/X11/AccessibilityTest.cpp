@@ -4,7 +4,7 @@
 #include "Platform/Linux/AtSpiAccessibility.h"
 #include "Platform/Linux/KeyboardMap.h"
 #include "Platform/Linux/XcbHotKey.h"
-#include "Platform/Linux/XcbWorkspace.h"
+#include "Platform/X11/Editor.h"
 #include "Platform/X11/VirtualDesktop.h"
 #include "Platform/X11/X11Client.h"
 
@@ -22,41 +22,6 @@ using namespace std::chrono_literals;
 
 [[maybe_unused]] const bool inDesktop =
     VirtualDesktop::use(VirtualDesktop::windowManager | VirtualDesktop::accessibilityBus);
-
-constexpr xcb_keysym_t f = 0x66;
-
-/// An editor with its window in front.
-class Editor {
-public:
-    explicit Editor(const char *program)
-        : process_(VirtualDesktop::current().start(QString::fromLatin1(program))) {
-        const auto isInFront = [&] {
-            const auto front = workspace_.frontmostApplication();
-            if (front && front->processId == process_.processId())
-                application_ = *front;
-            return application_.processId != 0;
-        };
-        EXPECT_TRUE(waitUntil(isInFront, 30s)) << program;
-    }
-    ~Editor() { end(); }
-
-    const RunningApplication &application() const { return application_; }
-    pid_t processId() const { return static_cast<pid_t>(application_.processId); }
-    void end() { VirtualDesktop::current().end(process_); }
-
-    /// Opens the editor's search field, which takes the focus from the text.
-    void goToOtherField() {
-        user_.press(KeySymbol::controlLeft);
-        user_.tap(f);
-        user_.release(KeySymbol::controlLeft);
-    }
-
-private:
-    QProcess &process_;
-    XcbWorkspace workspace_;
-    X11Client user_;
-    RunningApplication application_;
-};
 
 std::optional<AccessibleElement> awaitElement(Accessibility &accessibility,
                                               const RunningApplication &application) {

@@ -44,10 +44,9 @@ protected:
     }
 
     void setLayout(const QString &layout, const QString &variant = {}) {
-        QProcess &process = VirtualDesktop::current().start(
+        ASSERT_TRUE(VirtualDesktop::current().run(
             QStringLiteral("setxkbmap"),
-            {QStringLiteral("-layout"), layout, QStringLiteral("-variant"), variant});
-        ASSERT_TRUE(waitUntil([&] { return process.state() == QProcess::NotRunning; }));
+            {QStringLiteral("-layout"), layout, QStringLiteral("-variant"), variant}));
     }
 
     /// The window got one key, with Control alone.

@@ -134,6 +134,12 @@ QProcess &VirtualDesktop::start(const QString &program, const QStringList &argum
     return process;
 }
 
+bool VirtualDesktop::run(const QString &program, const QStringList &arguments) {
+    QProcess &process = start(program, arguments);
+    return waitUntil([&] { return process.state() == QProcess::NotRunning; }) &&
+           process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+}
+
 void VirtualDesktop::end(QProcess &process) {
     if (process.state() == QProcess::NotRunning)
         return;

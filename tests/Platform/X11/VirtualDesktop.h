@@ -38,6 +38,8 @@ public:
 
     /// Starts a program that lives at most as long as the desktop.
     QProcess &start(const QString &program, const QStringList &arguments = {});
+    /// Runs a program to its end; false if it fails.
+    bool run(const QString &program, const QStringList &arguments);
     void end(QProcess &process);
     QProcess &xServer() { return *processes_.front(); }
 

@@ -1,6 +1,7 @@
 #include "Platform/X11/X11Client.h"
 
 #include "Platform/Linux/KeyboardMap.h"
+#include "Platform/Linux/Xkb.h"
 #include "Platform/X11/VirtualDesktop.h"
 
 #include <xcb/xtest.h>
@@ -60,6 +61,20 @@ bool X11Client::isDown(xcb_keycode_t key) {
     const auto keymap =
         connection_.reply<xcb_query_keymap_reply_t>(xcb_query_keymap(connection_.get()), soon());
     return keymap && (keymap->keys[key / 8] & (1 << (key % 8)));
+}
+
+uint16_t X11Client::modifiers() {
+    constexpr uint16_t all = 0xff;
+    const auto pointer = connection_.reply<xcb_query_pointer_reply_t>(
+        xcb_query_pointer(connection_.get(), connection_.root()), soon());
+    return pointer ? pointer->mask & all : all;
+}
+
+void X11Client::lockGroup(uint8_t group) {
+    useXkb(connection_, soon());
+    xcb_xkb_latch_lock_state(connection_.get(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, true, group, 0,
+                             false, 0);
+    synchronize();
 }
 
 void X11Client::map(xcb_keycode_t key, xcb_keysym_t symbol) {

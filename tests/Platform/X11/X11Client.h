@@ -25,6 +25,10 @@ public:
     void pressKey(xcb_keycode_t key);
     void releaseKey(xcb_keycode_t key);
     bool isDown(xcb_keycode_t key);
+    /// The modifiers that are held or locked, as bits of XCB_MOD_MASK_...
+    uint16_t modifiers();
+    /// Goes to one of the layouts.
+    void lockGroup(uint8_t group);
     /// Gives a key another symbol, for all layouts.
     void map(xcb_keycode_t key, xcb_keysym_t symbol);
 
