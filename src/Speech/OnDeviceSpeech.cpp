@@ -1,6 +1,8 @@
 #include "Speech/OnDeviceSpeech.h"
 
+#include "Core/LocalizedError.h"
 #include "Speech/Abandoned.h"
+#include "Speech/FileAnalysis.h"
 #include "Speech/FileSamples.h"
 #include "Speech/LiveRecognition.h"
 #include "Speech/ModelFolder.h"
@@ -121,6 +123,51 @@ private:
     QString localeIdentifier_;
 };
 
+class OnDeviceSpeech::Analyzer : public SpeechAnalyzer {
+public:
+    Analyzer(std::shared_ptr<Shared> shared, std::shared_ptr<SpeechEngine> engine,
+             QStringList contextualStrings)
+        : shared_(std::move(shared)),
+          engine_(std::move(engine)),
+          contextualStrings_(std::move(contextualStrings)) {}
+    ~Analyzer() override { cancellation_.request_stop(); }
+
+    void start(const QString &path, OnResult onResult, OnEnd onEnd) override {
+        const auto ending = std::make_shared<Ending>(std::move(onEnd));
+        shared_->worker.post([engine = engine_, &audioFile = shared_->audioFile, path,
+                              strings = contextualStrings_, onResult = std::move(onResult), ending,
+                              cancelled = cancellation_.get_token()](std::stop_source &stop) {
+            const std::stop_callback link(cancelled, [&stop] { stop.request_stop(); });
+            try {
+                const std::unique_ptr<AudioFileReader> file = audioFile.openForReading(path);
+                FileAnalysis analysis(file->format(), *engine, strings);
+                analysis.finish(*file, onResult, stop.get_token());
+            } catch (const Abandoned &) {
+                // Nobody waits for it any longer.
+            } catch (const std::exception &error) {
+                ending->error = QString::fromUtf8(error.what());
+            }
+        });
+    }
+
+    void cancelAndFinishNow() override { cancellation_.request_stop(); }
+
+private:
+    /// Tells the end when the job goes, whether it has run or was forgotten.
+    struct Ending {
+        explicit Ending(OnEnd handler) : onEnd(std::move(handler)) {}
+        ~Ending() { onEnd(error); }
+
+        OnEnd onEnd;
+        std::optional<QString> error;
+    };
+
+    std::shared_ptr<Shared> shared_;
+    std::shared_ptr<SpeechEngine> engine_;
+    QStringList contextualStrings_;
+    std::stop_source cancellation_;
+};
+
 OnDeviceSpeech::OnDeviceSpeech(AudioFile &audioFile, QString modelsFolder)
     : shared_(std::make_shared<Shared>(audioFile, std::move(modelsFolder))) {}
 
@@ -156,8 +203,12 @@ std::shared_ptr<SpeechRecognizer> OnDeviceSpeech::makeRecognizer(const QString &
     return std::make_shared<Recognizer>(shared_, engine, localeIdentifier);
 }
 
-std::unique_ptr<SpeechAnalyzer> OnDeviceSpeech::makeAnalyzer(const QString &, const QStringList &) {
-    return nullptr;
+std::unique_ptr<SpeechAnalyzer> OnDeviceSpeech::makeAnalyzer(const QString &localeIdentifier,
+                                                             const QStringList &contextualStrings) {
+    const std::shared_ptr<SpeechEngine> engine = shared_->engine(languageOf(localeIdentifier));
+    if (!engine)
+        return nullptr;
+    return std::make_unique<Analyzer>(shared_, engine, contextualStrings);
 }
 
 } // namespace lorvane

@@ -21,13 +21,13 @@ public:
 
     std::shared_ptr<SpeechRecognizer> makeRecognizer(const QString &localeIdentifier) override;
 
-    /// There is none yet.
     std::unique_ptr<SpeechAnalyzer> makeAnalyzer(const QString &localeIdentifier,
                                                  const QStringList &contextualStrings) override;
 
 private:
     class Shared;
     class Recognizer;
+    class Analyzer;
 
     std::shared_ptr<Shared> shared_;
 };
