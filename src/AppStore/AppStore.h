@@ -117,6 +117,7 @@ public:
     bool hasStarted() const { return startedAt_.has_value(); }
 
     RecordingOverlay &recordingOverlay() { return recordingOverlay_; }
+    SystemIntegration &systemIntegration() { return systemIntegration_; }
 
     /// Starts or finishes a recording: the record button.
     Q_INVOKABLE void toggleRecording();

@@ -96,4 +96,8 @@ void SystemIntegration::openPrivacySettings(PrivacyPane pane) {
     ports_.workspace.openAddress(privacyAddress(pane));
 }
 
+void SystemIntegration::showApplication() {
+    ports_.workspace.showFile(QCoreApplication::applicationFilePath());
+}
+
 } // namespace lorvane

@@ -44,6 +44,8 @@ public:
 
     static QString privacyAddress(PrivacyPane pane);
     void openPrivacySettings(PrivacyPane pane);
+    /// Shows this program in the desktop's file manager.
+    void showApplication();
 
 private:
     bool isInFront(const RunningApplication &app) const;

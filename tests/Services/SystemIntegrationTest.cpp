@@ -219,6 +219,11 @@ TEST_F(SystemIntegrationTest, CancelledBeforehandItOnlyCopies) {
 
 // Links
 
+TEST_F(SystemIntegrationTest, TheProgramItselfIsShownInTheFileManager) {
+    integration.showApplication();
+    EXPECT_EQ(ports.workspace.shownFiles, QStringList{QCoreApplication::applicationFilePath()});
+}
+
 TEST_F(SystemIntegrationTest, PrivacyPagesAreOpenedByTheirExactAddress) {
     using Pane = SystemIntegration::PrivacyPane;
     for (const auto pane : {Pane::microphone, Pane::speech, Pane::accessibility})

@@ -1,8 +1,7 @@
 #include "Views/Setup/PermissionPrompt.h"
 #include "Views/Setup/SetupModel.h"
-#include "Views/Shell/MainWindow.h"
 
-#include "ViewFixture.h"
+#include "PageFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -16,19 +15,7 @@ TEST(SetupModelTest, TheGuideFitsIntoTheScreen) {
     EXPECT_EQ(SetupModel::guideSize(std::nullopt), QSize(860, 760));
 }
 
-class SetupGuideTest : public ViewFixture {
-protected:
-    void SetUp() override {
-        ViewFixture::SetUp();
-        window = std::make_unique<MainWindow>(engine, *store);
-    }
-    void TearDown() override {
-        window.reset();
-        ViewFixture::TearDown();
-    }
-
-    std::unique_ptr<MainWindow> window;
-};
+class SetupGuideTest : public PageFixture {};
 
 TEST_F(SetupGuideTest, ItOpensTheWindowAndGoesThroughTheStepsAndEnds) {
     EXPECT_FALSE(window->isOpen());
@@ -95,11 +82,125 @@ TEST_F(SetupGuideTest, CheckAgainReadsTheGrantsAnew) {
     EXPECT_TRUE(shows(u"Access is enabled"_qs));
 }
 
-TEST_F(SetupGuideTest, TheLastStepHasAFieldToPractiseIn) {
+TEST_F(SetupGuideTest, TheWaysToAGrantAreThereWhetherItIsGivenOrNot) {
+    const QStringList panels{u"Microphone"_qs, u"Speech Recognition"_qs, u"Accessibility"_qs};
+    const QStringList requests{u"Allow microphone"_qs, u"Allow Speech Recognition"_qs,
+                               u"Request Accessibility access"_qs};
+    for (const bool isGranted : {true, false}) {
+        ports.permissions.microphone = isGranted ? 3 : 2;
+        ports.permissions.speech = isGranted ? 3 : 1;
+        ports.permissions.accessibility = isGranted;
+        for (int step = 1; step <= 3; ++step) {
+            store->showSetupGuide(step);
+            const QString request = isGranted ? u"Already allowed"_qs : requests[step - 1];
+            EXPECT_EQ(isEnabled(request), !isGranted) << request.toStdString();
+            EXPECT_TRUE(
+                shows(isGranted ? u"Access is enabled"_qs : u"Waiting for your permission"_qs));
+            EXPECT_TRUE(isEnabled(u"Check again"_qs));
+
+            const QString open = u"Open %1 settings"_qs.arg(panels[step - 1]);
+            EXPECT_TRUE(isEnabled(open)) << open.toStdString();
+            ports.workspace.openedAddresses.clear();
+            activate(open);
+            EXPECT_EQ(ports.workspace.openedAddresses,
+                      QStringList{SystemIntegration::privacyAddress(
+                          static_cast<SystemIntegration::PrivacyPane>(step - 1))});
+
+            ports.workspace.shownFiles.clear();
+            ASSERT_TRUE(activate(u"Show this app in Finder"_qs));
+            EXPECT_EQ(ports.workspace.shownFiles,
+                      QStringList{QCoreApplication::applicationFilePath()});
+        }
+    }
+    store->showSetupGuide(0);
+    EXPECT_FALSE(shows(u"Show this app in Finder"_qs));
     store->showSetupGuide(4);
-    QAccessibleInterface *field = find(u"Practice dictation text field"_qs);
-    ASSERT_NE(field, nullptr);
-    EXPECT_EQ(field->role(), QAccessible::EditableText);
+    EXPECT_FALSE(shows(u"Show this app in Finder"_qs));
+}
+
+TEST_F(SetupGuideTest, EveryStepHasItsTexts) {
+    const QString rebuilt =
+        u"After a development rebuild, macOS may need you to allow this copy again. If access still fails, switch Lorvane off and back on, then reopen it if macOS asks."_qs;
+    const auto refused = [](const QString &panel) {
+        return u"If you previously chose Don’t Allow, open System Settings → Privacy & Security → "_qs +
+               panel + u" and turn on Lorvane. If it’s missing, request access here first."_qs;
+    };
+    const auto illustration = [](const QString &panel) {
+        return u"System Settings · illustrated guide, Privacy & Security, "_qs + panel +
+               u", Lorvane, ON, Turn on the switch beside Lorvane., Example screen — labels and appearance can vary by macOS version."_qs;
+    };
+    const QList<QStringList> pages{
+        {u"Lorvane app icon"_qs, u"A few minutes. A lot less typing."_qs,
+         u"Let’s set up your microphone, Apple Speech, and pasting at your cursor."_qs, u"1"_qs,
+         u"Allow your microphone"_qs, u"Capture your voice only when you start a recording."_qs,
+         u"2"_qs, u"Allow Speech Recognition"_qs,
+         u"Turn your recording into text with Apple Speech."_qs, u"3"_qs,
+         u"Enable Accessibility for pasting"_qs,
+         u"Let Lorvane insert text into the field you chose."_qs,
+         u"You choose each permission in a macOS prompt or System Settings. This guide doesn’t start a recording."_qs},
+        {u"Give your voice a way in."_qs,
+         u"Click Allow microphone below, then choose Allow in the macOS prompt."_qs,
+         illustration(u"Microphone"_qs), refused(u"Microphone"_qs), rebuilt,
+         u"Access is enabled"_qs, u"Check again"_qs, u"Already allowed"_qs,
+         u"Open Microphone settings"_qs, u"Show this app in Finder"_qs},
+        {u"Let Apple turn speech into text."_qs,
+         u"Click Allow Speech Recognition, then choose Allow in the macOS prompt. Apple may process audio online when on-device recognition is unavailable."_qs,
+         illustration(u"Speech Recognition"_qs), refused(u"Speech Recognition"_qs), rebuilt,
+         u"Access is enabled"_qs, u"Check again"_qs, u"Already allowed"_qs,
+         u"Open Speech Recognition settings"_qs, u"Show this app in Finder"_qs},
+        {u"Put the words at your cursor."_qs,
+         u"Accessibility access lets Lorvane restore your selected text field and request a paste. It’s optional if you prefer to copy and paste yourself."_qs,
+         illustration(u"Accessibility"_qs),
+         u"Open System Settings → Privacy & Security → Accessibility. On newer macOS versions this may be called Device Control and Data Access. Turn on Lorvane and authenticate if macOS asks."_qs,
+         u"If Lorvane is missing, use the + button to add this app. Keep the app in the same location; if you move or rebuild it, macOS may ask you to allow it again."_qs,
+         u"Access is enabled"_qs, u"Check again"_qs, u"Already allowed"_qs,
+         u"Open Accessibility settings"_qs, u"Show this app in Finder"_qs},
+        {u"Hold. Speak. Release."_qs,
+         u"Try dictating into the practice field below, or use any text field in another app."_qs,
+         u"Microphone"_qs, u"Speech"_qs, u"Pasting"_qs, u"1"_qs, u"Click in a text field"_qs,
+         u"This is where your words will go."_qs, u"2"_qs,
+         u"Hold Control + Option + Space and speak"_qs,
+         u"A mini waveform and timer show that you’re recording. Keep holding through pauses."_qs,
+         u"3"_qs, u"Release the shortcut"_qs,
+         u"Wait for transcription. Dictionary substitutions are applied before the final text is saved and pasted."_qs,
+         u"Practice dictation text field"_qs,
+         u"Click inside the box before holding the shortcut. Without paste access, use ⌘V after transcription. You can also click the microphone on Home to start and finish a recording."_qs},
+    };
+    for (int step = 0; step < 5; ++step) {
+        store->showSetupGuide(step);
+        QStringList expected{u"Lorvane app icon"_qs, u"LORVANE · GETTING STARTED"_qs,
+                             u"%1 of 5"_qs.arg(step + 1)};
+        expected += SetupModel::steps() + pages[step];
+        expected.append(u"Set up later"_qs);
+        if (step > 0)
+            expected.append(u"Back"_qs);
+        expected.append(step == 4 ? u"Start using Lorvane"_qs : u"Continue"_qs);
+        expected.append(u"Reopen this walkthrough anytime in Settings → Open setup guide."_qs);
+
+        const QStringList seen = names();
+        EXPECT_EQ(seen.mid(seen.lastIndexOf(u"LORVANE · GETTING STARTED"_qs) - 1), expected);
+        QAccessibleInterface *current = find(SetupModel::steps().at(step));
+        ASSERT_NE(current, nullptr);
+        EXPECT_TRUE(current->state().selected);
+    }
+}
+
+TEST_F(SetupGuideTest, ThePracticeFieldKeepsItsTextUntilTheGuideEnds) {
+    const auto field = [] {
+        return find(u"Practice dictation text field"_qs, QAccessible::EditableText);
+    };
+    store->showSetupGuide(4);
+    ASSERT_NE(field(), nullptr);
+    field()->actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
+    type(Qt::Key_W, u"words"_qs);
+    EXPECT_EQ(field()->text(QAccessible::Value), u"words"_qs);
+    ASSERT_TRUE(activate(u"Back"_qs));
+    ASSERT_TRUE(activate(u"Continue"_qs));
+    EXPECT_EQ(field()->text(QAccessible::Value), u"words"_qs);
+
+    ASSERT_TRUE(activate(u"Start using Lorvane"_qs));
+    store->showSetupGuide(4);
+    EXPECT_EQ(field()->text(QAccessible::Value), QString());
 }
 
 class PermissionPromptTest : public ViewFixture {

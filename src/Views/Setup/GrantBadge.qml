@@ -1,28 +1,12 @@
 import QtQuick
-import QtQuick.Layouts
 import Lorvane
 
 // Whether a grant is there, told by an icon and a text.
-RowLayout {
-    id: badge
-
-    required property string text
+LorLabel {
     required property bool allowed
-    property int pixelSize: 11
-    property int weight: Font.Normal
 
-    spacing: 6
-
-    LorSymbol {
-        name: badge.allowed ? "checkmark.circle.fill" : "circle"
-        size: badge.pixelSize + 1
-        color: badge.allowed ? LorPalette.green : LorPalette.muted
-    }
-
-    LorText {
-        text: badge.text
-        font.pixelSize: badge.pixelSize
-        font.weight: badge.weight
-        Accessible.description: badge.allowed ? "Allowed" : "Not allowed"
-    }
+    symbol: allowed ? "checkmark.circle.fill" : "circle"
+    symbolColor: allowed ? LorPalette.green : LorPalette.muted
+    font.pixelSize: 11
+    description: allowed ? "Allowed" : "Not allowed"
 }

@@ -20,14 +20,11 @@ ColumnLayout {
         Layout.fillWidth: true
 
         GrantBadge {
+            Layout.fillWidth: true
             text: controls.setup.grantStatus
             allowed: controls.setup.isAllowed
-            pixelSize: 12
-            weight: Font.Medium
-        }
-
-        Item {
-            Layout.fillWidth: true
+            font.pixelSize: 12
+            font.weight: Font.Medium
         }
 
         LorStandardButton {
@@ -37,11 +34,41 @@ ColumnLayout {
         }
     }
 
-    LorStandardButton {
-        text: controls.setup.requestLabel
-        prominent: true
-        font.pixelSize: 12
-        enabled: !controls.setup.isAllowed
-        onClicked: controls.setup.request()
+    // Side by side where they fit, or else below each other.
+    GridLayout {
+        id: buttons
+
+        readonly property real naturalWidth: request.implicitWidth + settings.implicitWidth
+                                             + application.implicitWidth + 2 * columnSpacing
+
+        columns: naturalWidth <= controls.width ? 3 : 1
+        columnSpacing: 12
+        rowSpacing: 10
+
+        LorStandardButton {
+            id: request
+
+            text: controls.setup.requestLabel
+            prominent: true
+            font.pixelSize: 12
+            enabled: !controls.setup.isAllowed
+            onClicked: controls.setup.request()
+        }
+
+        LorStandardButton {
+            id: settings
+
+            text: controls.setup.settingsLabel
+            font.pixelSize: 12
+            onClicked: controls.setup.openSettings()
+        }
+
+        LorStandardButton {
+            id: application
+
+            text: "Show this app in Finder"
+            font.pixelSize: 12
+            onClicked: controls.setup.showApplication()
+        }
     }
 }

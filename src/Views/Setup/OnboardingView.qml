@@ -61,7 +61,21 @@ Item {
             contentHeight: page.height + 40
             boundsBehavior: Flickable.StopAtBounds
             clip: true
+            activeFocusOnTab: contentHeight > height
             ScrollBar.vertical: ScrollBar {}
+
+            Keys.onUpPressed: flick(0, 400)
+            Keys.onDownPressed: flick(0, -400)
+
+            Rectangle {
+                parent: scroller
+                anchors.fill: parent
+                visible: scroller.activeFocus
+                radius: 6
+                color: "transparent"
+                border.width: 2
+                border.color: LorPalette.translucent(LorPalette.accent, 0.6)
+            }
 
             Loader {
                 id: page

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls
 import QtQuick.Layouts
 import Lorvane
 
@@ -59,28 +58,19 @@ ColumnLayout {
         implicitHeight: 80 + 16
         radius: 10
         color: "white"
-        border.width: practice.activeFocus ? 2 : 1
-        border.color: practice.activeFocus ? LorPalette.translucent(LorPalette.accent, 0.6)
+        border.width: field.hasFocus ? 2 : 1
+        border.color: field.hasFocus ? LorPalette.translucent(LorPalette.accent, 0.6)
                                            : LorPalette.line
 
-        ScrollView {
+        LorTextEditor {
+            id: field
+
             anchors.fill: parent
             anchors.margins: 8
-
-            TextArea {
-                id: practice
-
-                padding: 0
-                color: LorPalette.ink
-                font.pixelSize: 14
-                wrapMode: TextEdit.Wrap
-                selectByMouse: true
-                selectionColor: LorPalette.accent
-                background: null
-                KeyNavigation.priority: KeyNavigation.BeforeItem
-                KeyNavigation.tab: practice.nextItemInFocusChain()
-                Accessible.name: "Practice dictation text field"
-            }
+            label: "Practice dictation text field"
+            font.pixelSize: 14
+            text: page.setup.practice
+            onEdited: page.setup.practice = text
         }
     }
 

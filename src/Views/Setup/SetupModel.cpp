@@ -113,6 +113,8 @@ QString SetupModel::instructions() const { return grantPage(step()).instructions
 
 QString SetupModel::remark() const { return grantPage(step()).remark; }
 
+QString SetupModel::settingsLabel() const { return u"Open %1 settings"_qs.arg(panel()); }
+
 bool SetupModel::isAllowed() const {
     if (!store_)
         return false;
@@ -155,6 +157,24 @@ void SetupModel::request() {
     case accessibility: store_->requestAccessibility(); break;
     default: break;
     }
+}
+
+void SetupModel::openSettings() {
+    using Pane = SystemIntegration::PrivacyPane;
+    if (!store_)
+        return;
+    SystemIntegration &system = store_->systemIntegration();
+    switch (step()) {
+    case microphone: system.openPrivacySettings(Pane::microphone); break;
+    case speech: system.openPrivacySettings(Pane::speech); break;
+    case accessibility: system.openPrivacySettings(Pane::accessibility); break;
+    default: break;
+    }
+}
+
+void SetupModel::showApplication() {
+    if (store_)
+        store_->systemIntegration().showApplication();
 }
 
 } // namespace lorvane

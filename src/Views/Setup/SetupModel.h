@@ -31,6 +31,9 @@ class SetupModel : public QObject {
     Q_PROPERTY(QString symbol READ symbol NOTIFY stepChanged)
     Q_PROPERTY(QString instructions READ instructions NOTIFY stepChanged)
     Q_PROPERTY(QString remark READ remark NOTIFY stepChanged)
+    Q_PROPERTY(QString settingsLabel READ settingsLabel NOTIFY stepChanged)
+
+    Q_PROPERTY(QString practice MEMBER practice_ NOTIFY practiceChanged)
 
     Q_PROPERTY(bool isAllowed READ isAllowed NOTIFY grantsChanged)
     Q_PROPERTY(QString requestLabel READ requestLabel NOTIFY grantsChanged)
@@ -62,6 +65,7 @@ public:
     QString symbol() const;
     QString instructions() const;
     QString remark() const;
+    QString settingsLabel() const;
     bool isAllowed() const;
     QString requestLabel() const;
     QString grantStatus() const;
@@ -70,14 +74,19 @@ public:
     Q_INVOKABLE void goBack();
     /// Asks for the grant of the present step.
     Q_INVOKABLE void request();
+    /// Opens the system's page of the present step's grant.
+    Q_INVOKABLE void openSettings();
+    Q_INVOKABLE void showApplication();
 
 Q_SIGNALS:
     void storeChanged();
     void stepChanged();
     void grantsChanged();
+    void practiceChanged();
 
 private:
     QPointer<AppStore> store_;
+    QString practice_; ///< what was dictated into the practice field; it goes with the guide
 };
 
 } // namespace lorvane

@@ -34,12 +34,12 @@ QtObject {
         {
             title: "Scratchpad",
             icon: "square.and.pencil",
-            source: ""
+            source: Qt.resolvedUrl("../Settings/LorScratchpadView.qml")
         },
         {
             title: "Settings",
             icon: "slider.horizontal.3",
-            source: ""
+            source: Qt.resolvedUrl("../Settings/LorSettingsView.qml")
         }
     ]
 

@@ -1,9 +1,12 @@
 #include "Views/Shell/ViewEngine.h"
 
 #include "Views/Dictation/HomeModel.h"
+#include "Views/Kit/DocumentText.h"
 #include "Views/Kit/LineSpacing.h"
 #include "Views/Kit/Shadow.h"
 #include "Views/Kit/Symbols.h"
+#include "Views/Settings/ScratchpadModel.h"
+#include "Views/Settings/SettingsModel.h"
 #include "Views/Setup/SetupModel.h"
 
 #include <QGuiApplication>
@@ -11,8 +14,11 @@
 namespace lorvane {
 
 ViewEngine::ViewEngine(QObject *parent) : QQmlEngine(parent) {
+    qmlRegisterType<DocumentText>("Lorvane.Models", 1, 0, "DocumentText");
     qmlRegisterType<HomeModel>("Lorvane.Models", 1, 0, "HomeModel");
     qmlRegisterType<LineSpacing>("Lorvane.Models", 1, 0, "LineSpacing");
+    qmlRegisterType<ScratchpadModel>("Lorvane.Models", 1, 0, "ScratchpadModel");
+    qmlRegisterType<SettingsModel>("Lorvane.Models", 1, 0, "SettingsModel");
     qmlRegisterType<SetupModel>("Lorvane.Models", 1, 0, "SetupModel");
     addImportPath(u"qrc:/qt/qml"_qs);
     addImageProvider(u"shadow"_qs, new ShadowProvider);

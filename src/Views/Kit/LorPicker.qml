@@ -1,0 +1,134 @@
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Lorvane
+
+// A choice of one among few, as a list that opens. Its label stands elsewhere: it carries `label`
+// for assistive technology alone.
+T.ComboBox {
+    id: picker
+
+    required property string label
+
+    implicitHeight: 31
+    leftPadding: 11
+    rightPadding: 30
+    font.pixelSize: 13
+    focusPolicy: Qt.StrongFocus
+    hoverEnabled: true
+    opacity: enabled ? 1 : 0.5
+
+    Keys.onReturnPressed: popup.open()
+    Keys.onEnterPressed: popup.open()
+
+    Accessible.role: Accessible.ComboBox
+    Accessible.name: label
+    Accessible.description: displayText
+    Accessible.onPressAction: {
+        if (enabled)
+            popup.open();
+    }
+
+    background: Rectangle {
+        radius: 7
+        color: picker.down ? LorPalette.sidebar : "white"
+        border.width: 1
+        border.color: Qt.rgba(0, 0, 0, 0.15)
+
+        Rectangle {
+            anchors.fill: parent
+            anchors.margins: -3
+            visible: picker.visualFocus
+            radius: 10
+            color: "transparent"
+            border.width: 2
+            border.color: LorPalette.translucent(LorPalette.accent, 0.6)
+        }
+    }
+
+    contentItem: LorText {
+        text: picker.displayText
+        font: picker.font
+        elide: Text.ElideRight
+        verticalAlignment: Text.AlignVCenter
+    }
+
+    indicator: LorSymbol {
+        x: picker.width - width - 9
+        y: (picker.height - height) / 2
+        name: "chevron.up.chevron.down"
+        size: 12
+        color: LorPalette.muted
+    }
+
+    delegate: T.ItemDelegate {
+        id: entry
+
+        required property int index
+        required property string modelData
+
+        readonly property bool isChosen: index === picker.currentIndex
+
+        width: ListView.view.width
+        height: 29
+        text: modelData
+        highlighted: index === picker.highlightedIndex
+        Accessible.role: Accessible.ListItem
+        Accessible.name: text
+        Accessible.selectable: true
+        Accessible.selected: isChosen
+        Accessible.onPressAction: clicked()
+
+        background: Rectangle {
+            radius: 5
+            color: entry.highlighted ? LorPalette.accent : "transparent"
+        }
+
+        contentItem: RowLayout {
+            spacing: 6
+
+            LorSymbol {
+                opacity: entry.isChosen ? 1 : 0
+                name: "checkmark"
+                size: 11
+                color: entry.highlighted ? "white" : LorPalette.ink
+            }
+
+            Text {
+                Layout.fillWidth: true
+                text: entry.text
+                font: picker.font
+                color: entry.highlighted ? "white" : LorPalette.ink
+                textFormat: Text.PlainText
+                Accessible.ignored: true
+            }
+        }
+        leftPadding: 8
+    }
+
+    popup: T.Popup {
+        y: picker.height + 3
+        width: picker.width
+        height: Math.min(list.contentHeight + 2 * padding, 320)
+        padding: 5
+        margins: 8
+
+        contentItem: ListView {
+            id: list
+
+            clip: true
+            model: picker.delegateModel
+            currentIndex: picker.highlightedIndex
+            boundsBehavior: Flickable.StopAtBounds
+            Accessible.role: Accessible.List
+            Accessible.name: picker.label
+        }
+
+        background: Rectangle {
+            radius: 8
+            color: "white"
+            border.width: 1
+            border.color: Qt.rgba(0, 0, 0, 0.15)
+        }
+    }
+}

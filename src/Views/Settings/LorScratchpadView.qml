@@ -1,0 +1,96 @@
+import QtQuick
+import QtQuick.Layouts
+import Lorvane
+import Lorvane.Models
+
+// A single free text that grows with the window and scrolls in itself.
+Item {
+    id: page
+
+    required property QtObject store
+
+    ScratchpadModel {
+        id: pad
+        store: page.store
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        anchors.margins: 36
+        spacing: 25
+
+        LorPageHeader {
+            eyebrow: "A little room to think"
+            title: "Scratchpad"
+            subtitle: "A quiet place to gather your words. Saved automatically on this Mac."
+        }
+
+        RowLayout {
+            spacing: 8
+
+            LorText {
+                text: pad.wordCount
+                color: LorPalette.muted
+                font.pixelSize: 11
+            }
+
+            Item {
+                Layout.fillWidth: true
+            }
+
+            LorStandardButton {
+                text: "Copy all"
+                symbol: "doc.on.doc"
+                enabled: !pad.isEmpty
+                onClicked: page.store.copyTranscript(pad.text)
+            }
+
+            LorStandardButton {
+                text: "Clear…"
+                destructive: true
+                enabled: !pad.isEmpty
+                onClicked: confirmClear.open()
+            }
+        }
+
+        Rectangle {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            radius: 16
+            color: Qt.rgba(1, 1, 1, 0.9)
+            border.width: editor.hasFocus ? 2 : 1
+            border.color: editor.hasFocus ? LorPalette.translucent(LorPalette.accent, 0.6)
+                                          : LorPalette.line
+
+            LorTextEditor {
+                id: editor
+
+                anchors.fill: parent
+                anchors.margins: 20
+                label: "Scratchpad text"
+                placeholder: "Start anywhere. A note, a draft, a passing thought…"
+                font.pixelSize: 15
+                lineSpacing: 6
+                text: pad.text
+                onEdited: pad.text = text
+            }
+        }
+
+        LorLabel {
+            Layout.fillWidth: true
+            symbol: "lightbulb"
+            text: "Copy a dictation from History and paste it here to keep working."
+            color: LorPalette.muted
+            font.pixelSize: 11
+        }
+    }
+
+    LorConfirmation {
+        id: confirmClear
+
+        title: "Clear your scratchpad?"
+        message: "This removes the scratchpad text. This can’t be undone."
+        action: "Clear scratchpad"
+        onConfirmed: pad.text = ""
+    }
+}

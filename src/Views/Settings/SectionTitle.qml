@@ -1,0 +1,10 @@
+import QtQuick
+import Lorvane
+
+LorText {
+    color: LorPalette.muted
+    font.pixelSize: 10
+    font.weight: Font.DemiBold
+    font.letterSpacing: 1.6
+    Accessible.role: Accessible.Heading
+}
