@@ -124,31 +124,36 @@ void SpeechTranscriber::startAudio(const QUuid &session) {
     capture_ = std::make_shared<AudioRecording>(ports_.audioFile, format);
     publish(recoveryAudioURL_, QString());
 
+    // The audio thread writes, measures and wakes: it neither allocates nor waits for this thread.
     const Self self(this);
-    auto tap = [self, session, capture = capture_,
-                &clock = ports_.clock](const AudioBuffer &buffer) {
+    const auto readings = std::make_shared<CaptureReadings>();
+    const std::shared_ptr<Wakeup> wakeup = ports_.clock.makeWakeup([self, session, readings] {
+        if (self)
+            self->receiveReadings(session, *readings);
+    });
+    auto tap = [capture = capture_, readings, wakeup](const AudioBuffer &buffer) {
         const AudioRecording::Progress progress = capture->append(buffer);
-        const double level = measureLevel(buffer);
-        clock.post([self, session, progress, level] {
-            if (self)
-                self->receiveBuffer(session, progress.duration, level, progress.error);
-        });
+        readings->duration = progress.duration;
+        readings->level = measureLevel(buffer);
+        readings->hasFailed = progress.error.has_value();
+        wakeup->wake();
     };
-    auto ended = [self, session](const QString &reason) {
+    auto ended = [self, session, readings](const QString &reason) {
+        if (self)
+            self->receiveReadings(session, *readings);
         if (self && self->sessionID_ == session && self->isRecording_)
             self->captureFailed(u"Audio capture failed: "_s + reason);
     };
     ports_.audioInput.start(format, std::move(tap), std::move(ended));
 }
 
-void SpeechTranscriber::receiveBuffer(const QUuid &session, double duration, double level,
-                                      const std::optional<QString> &error) {
+void SpeechTranscriber::receiveReadings(const QUuid &session, const CaptureReadings &readings) {
     if (sessionID_ != session || !isRecording_)
         return;
-    publish(recordedDuration_, duration);
-    publish(level_, level);
-    if (error)
-        captureFailed(*error);
+    publish(recordedDuration_, readings.duration.load());
+    publish(level_, readings.level.load());
+    if (readings.hasFailed && capture_)
+        captureFailed(capture_->failure().value_or(QString()));
 }
 
 /// The recording ends here; what is in the file is still good, and the session lives on until it is

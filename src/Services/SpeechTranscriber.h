@@ -6,6 +6,7 @@
 #include "Platform/Speech.h"
 #include "Platform/Task.h"
 #include "Services/AudioRecording.h"
+#include "Services/CaptureReadings.h"
 #include "Services/FileSpeechRecognition.h"
 #include "Services/TranscriptionError.h"
 
@@ -77,8 +78,7 @@ private:
                              const std::stop_token &cancellation);
     Async<> prepare(QString localeIdentifier, QStringList contextualStrings, QUuid session);
     void startAudio(const QUuid &session);
-    void receiveBuffer(const QUuid &session, double duration, double level,
-                       const std::optional<QString> &error);
+    void receiveReadings(const QUuid &session, const CaptureReadings &readings);
     void captureFailed(const QString &error);
     void stopAudio();
 

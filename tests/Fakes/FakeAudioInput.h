@@ -23,6 +23,9 @@ public:
 
     bool isRunning() const { return static_cast<bool>(tap_); }
 
+    /// The tap of the running input, for a thread that is to be the audio thread.
+    const Tap &tap() const { return tap_; }
+
     /// Delivers one buffer of interleaved samples, if the input is running.
     void deliver(const std::vector<float> &samples) {
         const Tap tap = tap_;

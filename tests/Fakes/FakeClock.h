@@ -3,8 +3,10 @@
 #include "Platform/Clock.h"
 
 #include <algorithm>
+#include <atomic>
 #include <deque>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <utility>
 
@@ -30,6 +32,10 @@ public:
     void post(Work work) override {
         const std::lock_guard lock(mutex_);
         posted_.push_back(std::move(work));
+    }
+
+    std::unique_ptr<Wakeup> makeWakeup(Work work) override {
+        return std::make_unique<PostedWakeup>(*this, std::move(work));
     }
 
     TimerId callAfter(std::chrono::nanoseconds delay, Work work) override {
@@ -87,6 +93,32 @@ public:
     }
 
 private:
+    class PostedWakeup final : public Wakeup {
+    public:
+        PostedWakeup(FakeClock &clock, Work work)
+            : clock_(clock), shared_(std::make_shared<Shared>(std::move(work))) {}
+
+        void wake() noexcept override {
+            if (shared_->isPending.exchange(true))
+                return;
+            clock_.post([weak = std::weak_ptr(shared_)] {
+                if (const auto shared = weak.lock()) {
+                    shared->isPending = false;
+                    shared->work();
+                }
+            });
+        }
+
+    private:
+        struct Shared {
+            explicit Shared(Work sharedWork) : work(std::move(sharedWork)) {}
+            Work work;
+            std::atomic<bool> isPending = false;
+        };
+        FakeClock &clock_;
+        std::shared_ptr<Shared> shared_;
+    };
+
     Work take(std::deque<Work> &queue) {
         const std::lock_guard lock(mutex_);
         if (queue.empty())

@@ -100,6 +100,42 @@ TYPED_TEST(ClockTest, WorkPostedByAThreadKeepsItsOrderAndRunsOnTheMainThread) {
     EXPECT_EQ(total, threadCount * workCount);
 }
 
+TYPED_TEST(ClockTest, AWakeupRunsItsWorkOnceForTheCallsBeforeIt) {
+    const auto mainThread = std::this_thread::get_id();
+    const auto wakeup = this->clock.makeWakeup([&] {
+        this->note("woken");
+        EXPECT_EQ(std::this_thread::get_id(), mainThread);
+    });
+    std::thread([&] {
+        wakeup->wake();
+        wakeup->wake();
+    }).join();
+    EXPECT_THAT(this->log, ElementsAre());
+    this->runUntilNoted(1);
+    this->clock.callAfter(5ms, [&] { this->note("later"); });
+    this->runUntilNoted(2);
+    EXPECT_THAT(this->log, ElementsAre("woken", "later"));
+    wakeup->wake();
+    this->runUntilNoted(3);
+    EXPECT_EQ(this->log.back(), "woken");
+}
+
+TYPED_TEST(ClockTest, AWakeupThatItsOwnWorkOrAnotherEndsRunsNoMore) {
+    std::unique_ptr<Wakeup> wakeup;
+    wakeup = this->clock.makeWakeup([&] {
+        wakeup.reset();
+        this->note("last");
+    });
+    wakeup->wake();
+    this->runUntilNoted(1);
+    wakeup = this->clock.makeWakeup([&] { this->note("never"); });
+    wakeup->wake();
+    wakeup.reset();
+    this->clock.callAfter(5ms, [&] { this->note("end"); });
+    this->runUntilNoted(2);
+    EXPECT_THAT(this->log, ElementsAre("last", "end"));
+}
+
 TYPED_TEST(ClockTest, ATimerFiresOnceAndNotBeforeItsTime) {
     const QDateTime start = this->clock.now();
     this->clock.callAfter(20ms, [&] { this->note("fired"); });

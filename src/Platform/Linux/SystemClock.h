@@ -22,6 +22,7 @@ public:
 
     QDateTime now() const override;
     void post(Work work) override;
+    std::unique_ptr<Wakeup> makeWakeup(Work work) override;
     TimerId callAfter(std::chrono::nanoseconds delay, Work work) override;
     void cancelTimer(TimerId timer) override;
     void runInBackground(Work work) override;
