@@ -94,7 +94,7 @@ void AppStore::registerShortcut() {
 
 void AppStore::shutdown() {
     setStartedAt(std::nullopt);
-    holdState_.reset();
+    mutate([this] { holdState_.reset(); });
     recordingStartTask_.cancel();
     overlayPreviewTask_.cancel();
     transcriber_.cancel(true);

@@ -184,7 +184,10 @@ private:
     void setStartedAt(std::optional<QDateTime> startedAt);
     /// Makes a change of the dictation's state and notifies of it.
     template <class Change>
-    auto mutate(Change change);
+    auto mutate(Change change) {
+        const auto notify = qScopeGuard([this] { Q_EMIT dictationChanged(); });
+        return change();
+    }
 
     // AppStoreSaving.cpp
     void loadLibrary();

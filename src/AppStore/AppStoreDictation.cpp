@@ -25,12 +25,6 @@ void AppStore::setStartedAt(std::optional<QDateTime> startedAt) {
     Q_EMIT dictationChanged();
 }
 
-template <class Change>
-auto AppStore::mutate(Change change) {
-    const auto notify = qScopeGuard([this] { Q_EMIT dictationChanged(); });
-    return change();
-}
-
 void AppStore::beginHoldToTalk() {
     if (isBusy_ || startedAt_ || transcriber_.isRecording())
         return;

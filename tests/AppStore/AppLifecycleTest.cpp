@@ -57,6 +57,38 @@ TEST_F(AppLifecycleTest, LibraryThatCannotBeReadIsNeverOverwritten) {
     EXPECT_EQ(libraryBytes(), bytes);
 }
 
+TEST_F(AppLifecycleTest, LibraryIsTakenOverWhole) {
+    AppSnapshot saved;
+    saved.history = {{QUuid::createUuid(), QDateTime({2026, 3, 1}, {8, 0}, Qt::UTC), u"one"_s, 2}};
+    saved.vocabulary = {VocabularyEntry(u"kube ctl"_s, u"kubectl"_s)};
+    saved.snippets = {{.trigger = u"sign off"_s, .content = u"Regards"_s}};
+    saved.scratchpad = u"notes"_s;
+    saved.settings.autoPaste = true;
+    LocalRepository(ports.libraryPath()).save(saved);
+    makeStore();
+    EXPECT_EQ(store->history(), saved.history);
+    EXPECT_EQ(store->vocabulary(), saved.vocabulary);
+    EXPECT_EQ(store->snippets(), saved.snippets);
+    EXPECT_EQ(store->scratchpad(), saved.scratchpad);
+    EXPECT_EQ(store->settings(), saved.settings);
+    EXPECT_EQ(store->errorMessage(), QString());
+}
+
+TEST_F(AppLifecycleTest, LibraryWithoutAPlaceIsKeptInMemory) {
+    QFile inTheWay(ports.dataHome.filePath(u"file"_s));
+    ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
+    qputenv("XDG_DATA_HOME", (inTheWay.fileName() + u"/data"_s).toUtf8());
+    makeStore();
+    EXPECT_TRUE(store->errorMessage().startsWith(u"Could not load the library: "_s));
+    EXPECT_TRUE(store->errorMessage().endsWith(
+        u". Saving is disabled to preserve the existing file. See README for recovery."_s));
+    store->setScratchpad(u"notes"_s);
+    store->dismissErrorMessage();
+    clock().advance(1s);
+    EXPECT_EQ(store->scratchpad(), u"notes"_s);
+    EXPECT_EQ(store->errorMessage(), QString()) << "nothing tries to save";
+}
+
 TEST_F(AppLifecycleTest, ShortcutThatAnotherApplicationHoldsIsReported) {
     ports.hotKey.status = 10;
     makeStore();
@@ -109,45 +141,6 @@ TEST_F(AppLifecycleTest, FailedSaveIsReportedAndTheNextChangeTriesAgain) {
     EXPECT_EQ(LocalRepository(ports.libraryPath()).load().scratchpad, u"two"_s);
 }
 
-// Setup
-
-TEST_F(AppLifecycleTest, FinishedSetupDoesNotComeBack) {
-    ports.userDefaults.values.clear();
-    makeStore();
-    store->finishSetup();
-    EXPECT_FALSE(store->isSetupPresented());
-    makeStore();
-    EXPECT_FALSE(store->isSetupPresented());
-}
-
-TEST_F(AppLifecycleTest, GuideDoesNotOpenDuringADictation) {
-    hold();
-    store->showSetupGuide();
-    EXPECT_FALSE(store->isSetupPresented());
-}
-
-TEST_F(AppLifecycleTest, StepThatDoesNotExistBecomesTheFirst) {
-    store->setSetupStepNumber(3);
-    EXPECT_EQ(store->setupStep(), SetupStep::accessibility);
-    store->setSetupStepNumber(7);
-    EXPECT_EQ(store->setupStep(), SetupStep::welcome);
-}
-
-TEST_F(AppLifecycleTest, UndeterminedGrantPromptsAndADeniedOneOpensTheSystemsPage) {
-    ports.permissions.microphone = 0;
-    ports.permissions.microphoneAnswer = false;
-    store->refreshPermissions();
-    store->requestMicrophoneAccess();
-    clock().runUntilIdle();
-    EXPECT_EQ(ports.permissions.microphonePromptCount, 1);
-    EXPECT_TRUE(ports.workspace.openedAddresses.isEmpty());
-    store->requestMicrophoneAccess();
-    clock().runUntilIdle();
-    EXPECT_EQ(ports.permissions.microphonePromptCount, 1);
-    EXPECT_EQ(ports.workspace.openedAddresses.size(), 1);
-    EXPECT_FALSE(store->microphoneGranted());
-}
-
 // Shutdown
 
 TEST_F(AppLifecycleTest, ShutdownKeepsTheAudioOfAnInterruptedDictation) {
@@ -159,6 +152,31 @@ TEST_F(AppLifecycleTest, ShutdownKeepsTheAudioOfAnInterruptedDictation) {
     EXPECT_FALSE(ports.overlayPanel.visible);
     EXPECT_FALSE(ports.hotKey.isRegistered());
     EXPECT_TRUE(QFileInfo::exists(ports.libraryPath()));
+}
+
+TEST_F(AppLifecycleTest, ShutdownSavesWhatTheAutosaveStillWaitsFor) {
+    store->setScratchpad(u"the last word"_s);
+    store->shutdown();
+    EXPECT_EQ(LocalRepository(ports.libraryPath()).load().scratchpad, u"the last word"_s);
+}
+
+TEST_F(AppLifecycleTest, ShutdownEndsAStartThatIsUnderWay) {
+    press();
+    store->shutdown();
+    clock().runUntilIdle();
+    EXPECT_EQ(ports.audioInput.startCount, 0);
+    EXPECT_FALSE(store->isBusy());
+    EXPECT_FALSE(ports.overlayPanel.visible);
+    EXPECT_TRUE(ports.recordingFolders().isEmpty());
+}
+
+TEST_F(AppLifecycleTest, ShutdownEndsAPreview) {
+    store->previewRecordingIndicator();
+    clock().advance(1s);
+    store->shutdown();
+    clock().advance(10s);
+    EXPECT_FALSE(ports.overlayPanel.visible);
+    EXPECT_EQ(clock().timerCount(), 0);
 }
 
 TEST_F(AppLifecycleTest, ShutdownCanRunThreeTimes) {

@@ -1,7 +1,5 @@
 #include "StoreFixture.h"
 
-#include "Core/LocalRepository.h"
-
 #include <QFileInfo>
 
 using namespace Qt::StringLiterals;
@@ -13,45 +11,7 @@ namespace {
 using Mode = RecordingOverlay::Mode;
 using Phase = HoldToTalkState::Phase;
 
-class DictationFlowTest : public StoreFixture {
-protected:
-    const QString early = u"Released before the microphone was ready. After granting permissions, "
-                          "hold ⌃⌥Space again."_s;
-    const QString pasted = u"Saved and paste requested at your cursor."_s;
-    const QString notPasted = u"Saved and copied. Paste with ⌘V; automatic paste needs "
-                              "Accessibility access and the original text field."_s;
-    const QString copied = u"Saved to history and copied to the clipboard."_s;
-
-    QString textOnDisk() const {
-        const auto history = LocalRepository(ports.libraryPath()).load().history;
-        return history.isEmpty() ? QString() : history.first().text;
-    }
-
-    void setAutoPaste(bool autoPaste) {
-        AppSettings settings = store->settings();
-        settings.autoPaste = autoPaste;
-        store->setSettings(settings);
-    }
-
-    /// A whole button recording, up to the wait for the paste.
-    void recordByButton(const QString &words) {
-        store->toggleRecording();
-        clock().runUntilIdle();
-        speak(1s);
-        store->toggleRecording();
-        clock().runUntilIdle();
-        answer(words);
-    }
-
-    void expectIdle() {
-        EXPECT_FALSE(store->isBusy());
-        EXPECT_FALSE(store->hasStarted());
-        EXPECT_FALSE(store->isRecording());
-        EXPECT_EQ(store->holdPhase(), Phase::idle);
-        EXPECT_FALSE(ports.overlayPanel.visible);
-        EXPECT_FALSE(ports.audioInput.isRunning());
-    }
-};
+using DictationFlowTest = DictationTest;
 
 // From press to paste
 
@@ -306,211 +266,50 @@ TEST_F(DictationFlowTest, ButtonIsBarredWhileBusy) {
     EXPECT_TRUE(store->isRecording());
 }
 
-// Starts that fail
-
-TEST_F(DictationFlowTest, MissingGrantOpensTheGuideAndReportsNoFailure) {
-    int requests = 0;
-    QObject::connect(store.get(), &AppStore::setupRequested, store.get(), [&] { ++requests; });
-    ports.permissions.speech = 1;
-    hold();
-    EXPECT_TRUE(store->isSetupPresented());
-    EXPECT_EQ(store->setupStep(), SetupStep::speech);
-    ports.permissions.microphone = 2;
-    letGo();
-    hold();
-    EXPECT_EQ(store->setupStep(), SetupStep::microphone);
-    EXPECT_EQ(store->statusMessage(), QString());
-    EXPECT_EQ(store->errorMessage(), QString());
-    EXPECT_EQ(requests, 2);
-    EXPECT_EQ(ports.audioInput.startCount, 0);
-    letGo();
-    expectIdle();
-}
-
-TEST_F(DictationFlowTest, GrantThatIsRefusedDuringTheStartOpensTheGuide) {
-    press();
-    ports.permissions.microphone = 2;
+TEST_F(DictationFlowTest, ButtonRecordingNamesTheEngineToo) {
+    ports.speech.supportsOnDeviceRecognition = false;
+    store->toggleRecording();
     clock().runUntilIdle();
-    EXPECT_TRUE(store->isSetupPresented());
-    EXPECT_EQ(store->setupStep(), SetupStep::microphone);
-    EXPECT_EQ(store->errorMessage(), QString());
-    EXPECT_EQ(store->statusMessage(), QString());
-    expectIdle();
+    EXPECT_EQ(store->statusMessage(), u"Listening · Apple Speech service"_s);
 }
 
-TEST_F(DictationFlowTest, MissingInputShowsItsWords) {
-    ports.audioInput.nativeFormat = {};
-    hold();
-    EXPECT_EQ(store->errorMessage(),
-              u"No microphone input is available. Check your audio input in System Settings."_s);
-    EXPECT_EQ(store->statusMessage(), QString());
-    expectIdle();
-    letGo();
-    expectIdle();
-}
-
-TEST_F(DictationFlowTest, NextStartClearsTheErrorOfTheLast) {
-    ports.audioInput.startError = u"The source is busy"_s;
-    hold();
-    EXPECT_EQ(store->errorMessage(), u"The source is busy"_s);
-    letGo();
-    ports.audioInput.startError.reset();
-    hold();
-    EXPECT_EQ(store->errorMessage(), QString());
-    EXPECT_TRUE(store->isRecording());
-}
-
-// Endings without a paste
-
-TEST_F(DictationFlowTest, NoSpeechMakesNoRecordAndLeavesThePasteboardAlone) {
-    for (const QString &heard : {u""_s, u"um uh"_s}) {
-        hold();
-        speak(1s);
-        letGo();
-        answer(heard);
-        EXPECT_EQ(store->statusMessage(), u"No speech detected. Try again when you’re ready."_s);
-        EXPECT_FALSE(ports.pasteboard.text);
-        EXPECT_EQ(store->historyCount(), 0);
-        EXPECT_TRUE(ports.recordingFolders().isEmpty());
-        expectIdle();
-    }
-}
-
-TEST_F(DictationFlowTest, IncompleteTranscriptIsCopiedAndNeverPasted) {
+TEST_F(DictationFlowTest, PressDuringTheWaitForThePasteIsDropped) {
     hold();
     speak(1s);
     letGo();
-    ports.speech.fileRequests().back()->giveAndFail(FakeSpeech::result(u"as far as"_s, false),
-                                                    u"Broken."_s);
-    clock().runUntilIdle();
-    clock().advance(1s);
-    EXPECT_EQ(store->history().first().text, u"As far as."_s);
-    EXPECT_EQ(ports.pasteboard.text, u"As far as."_s);
-    EXPECT_EQ(ports.keyboard.pasteCount, 0);
-    EXPECT_EQ(store->statusMessage(), QString());
-    EXPECT_EQ(store->errorMessage(), QString());
-    EXPECT_TRUE(QFileInfo::exists(store->recoveryAudioURL()));
-    store->revealRecoveryAudio();
-    EXPECT_EQ(ports.workspace.shownFiles, QStringList{store->recoveryAudioURL()});
-    expectIdle();
-}
-
-TEST_F(DictationFlowTest, IncompleteTranscriptWithoutTextMakesNoRecord) {
-    hold();
-    speak(1s);
-    letGo();
-    ports.speech.fileRequests().back()->fail(u"Broken."_s);
-    clock().runUntilIdle();
-    EXPECT_EQ(store->historyCount(), 0);
-    EXPECT_EQ(store->statusMessage(), QString());
-    EXPECT_FALSE(ports.pasteboard.text);
-    EXPECT_TRUE(QFileInfo::exists(store->recoveryAudioURL()));
-    expectIdle();
-}
-
-TEST_F(DictationFlowTest, CancelThrowsTheRecordingAway) {
-    hold();
-    speak(1s);
-    store->cancelRecording();
-    EXPECT_EQ(store->statusMessage(), u"Dictation cancelled."_s);
-    EXPECT_EQ(store->displayedTranscript(), QString());
-    EXPECT_TRUE(ports.recordingFolders().isEmpty());
-    clock().runUntilIdle();
-    letGo();
-    EXPECT_EQ(store->statusMessage(), u"Dictation cancelled."_s);
-    EXPECT_EQ(store->historyCount(), 0);
-    expectIdle();
-}
-
-TEST_F(DictationFlowTest, CancelDoesNothingWhileBusy) {
-    press();
-    store->cancelRecording();
-    clock().runUntilIdle();
-    EXPECT_TRUE(store->isRecording());
-    speak(1s);
-    letGo();
-    store->cancelRecording();
     answer(u"hello"_s);
+    ASSERT_EQ(store->statusMessage(), u"Transcribing the complete recording…"_s);
+    hold();
+    store->toggleRecording();
     clock().advance(1s);
     EXPECT_EQ(store->statusMessage(), pasted);
+    EXPECT_EQ(ports.audioInput.startCount, 1);
+    expectIdle();
 }
 
-TEST_F(DictationFlowTest, CancelWithNothingRunningSaysTheSameWords) {
-    store->cancelRecording();
-    EXPECT_EQ(store->statusMessage(), u"Dictation cancelled."_s);
-}
-
-// Capture that ends by itself
-
-TEST_F(DictationFlowTest, CaptureThatEndsDuringAHoldWaitsForTheRelease) {
+TEST_F(DictationFlowTest, ReleaseLongAfterTheButtonEndedAHoldFindsNothingToDo) {
     hold();
     speak(1s);
-    ports.audioInput.end(u"Entity killed"_s);
-    clock().runUntilIdle();
-    EXPECT_EQ(store->statusMessage(), u"Audio capture ended unexpectedly. Release the shortcut to "
-                                      "recover the captured recording."_s);
-    EXPECT_TRUE(store->isRecording());
-    letGo();
-    answer(u"hello"_s);
-    EXPECT_EQ(store->history().first().text, u"Hello."_s);
-    expectIdle();
-}
-
-TEST_F(DictationFlowTest, CaptureThatEndsDuringAButtonRecordingFinishesItAtOnce) {
     store->toggleRecording();
     clock().runUntilIdle();
-    speak(1s);
-    ports.audioInput.end(u"Entity killed"_s);
-    clock().runUntilIdle();
-    EXPECT_EQ(store->statusMessage(), u"Transcribing the complete recording…"_s);
     answer(u"hello"_s);
-    EXPECT_EQ(store->history().first().text, u"Hello."_s);
-    expectIdle();
-}
-
-TEST_F(DictationFlowTest, PressBetweenTheEndOfCaptureAndItsFinishIsDropped) {
-    store->toggleRecording();
-    clock().runUntilIdle();
-    speak(1s);
-    ports.audioInput.end(u"Entity killed"_s);
-    press();
-    EXPECT_EQ(store->holdPhase(), Phase::idle);
-    clock().runUntilIdle();
-    answer(u"hello"_s);
-    EXPECT_EQ(store->historyCount(), 1);
-}
-
-// The indicator's preview
-
-TEST_F(DictationFlowTest, PreviewRunsForSixtyFiveStepsAndHides) {
-    store->previewRecordingIndicator();
-    clock().runUntilIdle();
-    EXPECT_EQ(meter().mode(), Mode::preview);
-    EXPECT_EQ(meter().detail(), u"Preview only · microphone off"_s);
-    EXPECT_DOUBLE_EQ(meter().samples().last(), 0.25);
-    clock().advance(80ms * 64);
-    EXPECT_TRUE(ports.overlayPanel.visible);
-    EXPECT_DOUBLE_EQ(meter().duration(), 64 * 0.08);
-    clock().advance(80ms);
-    EXPECT_FALSE(ports.overlayPanel.visible);
-}
-
-TEST_F(DictationFlowTest, DictationTakesTheIndicatorOverFromAPreview) {
-    store->previewRecordingIndicator();
     clock().advance(1s);
-    hold();
-    store->previewRecordingIndicator();
-    EXPECT_EQ(meter().mode(), Mode::recording);
-    clock().advance(10s);
-    EXPECT_TRUE(ports.overlayPanel.visible);
-    EXPECT_EQ(meter().mode(), Mode::recording);
-    EXPECT_EQ(meter().detail(), u"Recording"_s);
+    ASSERT_EQ(store->statusMessage(), pasted);
+    letGo();
+    EXPECT_EQ(store->statusMessage(), pasted);
+    EXPECT_EQ(store->historyCount(), 1);
+    expectIdle();
 }
 
-TEST_F(DictationFlowTest, RevealWithoutRecoveryAudioDoesNothing) {
-    store->revealRecoveryAudio();
-    EXPECT_TRUE(ports.workspace.shownFiles.isEmpty());
-    EXPECT_EQ(store->statusMessage(), QString());
+TEST_F(DictationFlowTest, CancelBetweenTheReleaseAndItsTaskWins) {
+    hold();
+    speak(1s);
+    release();
+    store->cancelRecording();
+    clock().runUntilIdle();
+    EXPECT_EQ(store->statusMessage(), u"Dictation cancelled."_s);
+    EXPECT_TRUE(ports.speech.fileRequests().empty());
+    expectIdle();
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AppStore/AppStore.h"
+#include "Core/LocalRepository.h"
 #include "Fakes/FakePorts.h"
 
 #include <gtest/gtest.h>
@@ -76,6 +77,51 @@ protected:
 
     Meter &meter() { return *store->recordingOverlay().meter(); }
     FakeClock &clock() { return ports.clock; }
+};
+
+/// What the tests of a dictation's flow share: its words, and a look at how it ended.
+class DictationTest : public StoreFixture {
+protected:
+    const QString early =
+        QStringLiteral("Released before the microphone was ready. After granting permissions, hold "
+                       "⌃⌥Space again.");
+    const QString pasted = QStringLiteral("Saved and paste requested at your cursor.");
+    const QString notPasted = QStringLiteral(
+        "Saved and copied. Paste with ⌘V; automatic paste needs Accessibility access "
+        "and the original text field.");
+    const QString copied = QStringLiteral("Saved to history and copied to the clipboard.");
+    const QString noSpeech = QStringLiteral("No speech detected. Try again when you’re ready.");
+
+    QString textOnDisk() const {
+        const auto history = LocalRepository(ports.libraryPath()).load().history;
+        return history.isEmpty() ? QString() : history.first().text;
+    }
+
+    void setAutoPaste(bool autoPaste) {
+        AppSettings settings = store->settings();
+        settings.autoPaste = autoPaste;
+        store->setSettings(settings);
+    }
+
+    /// A whole button recording, up to the wait for the paste.
+    void recordByButton(const QString &words) {
+        using namespace std::chrono_literals;
+        store->toggleRecording();
+        clock().runUntilIdle();
+        speak(1s);
+        store->toggleRecording();
+        clock().runUntilIdle();
+        answer(words);
+    }
+
+    void expectIdle() {
+        EXPECT_FALSE(store->isBusy());
+        EXPECT_FALSE(store->hasStarted());
+        EXPECT_FALSE(store->isRecording());
+        EXPECT_EQ(store->holdPhase(), HoldToTalkState::Phase::idle);
+        EXPECT_FALSE(ports.overlayPanel.visible);
+        EXPECT_FALSE(ports.audioInput.isRunning());
+    }
 };
 
 } // namespace lorvane
