@@ -91,7 +91,7 @@ private:
     void receiveLive(const std::optional<QList<TranscribedWord>> &words, bool ended);
 
     // SpeechTranscriberFinish.cpp
-    Async<QString> transcribeRecording(std::shared_ptr<AudioRecording> recording,
+    Async<QString> transcribeRecording(Self self, std::shared_ptr<AudioRecording> recording,
                                        std::shared_ptr<SpeechRecognizer> recognizer,
                                        double duration, QString captureError, QUuid session);
     Async<std::optional<QString>> transcribeWhole(std::shared_ptr<AudioRecording> recording,

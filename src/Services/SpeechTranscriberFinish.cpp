@@ -54,23 +54,26 @@ Async<QString> SpeechTranscriber::stop() {
     // The failure of the very last buffer is only known to the recording.
     const QString captureError =
         errorMessage_.isEmpty() ? capture_->failure().value_or(QString()) : errorMessage_;
+    const Self self(this);
     finishTask_ = Task<QString>::post(
         ports_.clock,
-        transcribeRecording(capture_, recognizer_, recordedDuration_, captureError, session));
+        transcribeRecording(self, capture_, recognizer_, recordedDuration_, captureError, session));
     const Task<QString> running = finishTask_;
-    const Self self(this);
     const QString text = co_await running;
     if (self && sessionID_ == session)
         finishTask_ = {};
     co_return text;
 }
 
-Async<QString> SpeechTranscriber::transcribeRecording(std::shared_ptr<AudioRecording> recording,
+/// It begins in a turn of its own: the session, or this, may be gone by then.
+Async<QString> SpeechTranscriber::transcribeRecording(Self self,
+                                                      std::shared_ptr<AudioRecording> recording,
                                                       std::shared_ptr<SpeechRecognizer> recognizer,
                                                       double duration, QString captureError,
                                                       QUuid session) {
     const std::stop_token cancellation = co_await currentCancellation;
-    const Self self(this);
+    if (isStale(self, session, cancellation))
+        co_return self ? transcript_ : QString();
     // Each reason why the transcript is not confirmed.
     QStringList problems;
     if (!captureError.isEmpty())

@@ -238,6 +238,29 @@ TEST_F(SpeechTranscriberRoutesTest, TranscriberThatGoesDuringTheFirstRouteKeepsT
     EXPECT_EQ(clock().timerCount(), 0);
 }
 
+// The finish begins in a turn of its own, and much can happen before that.
+TEST_F(SpeechTranscriberRoutesTest, FinishThatIsCancelledBeforeItBeginsShowsNothing) {
+    start();
+    speak(1s);
+    text.reset();
+    const auto stopping = Task<>::run(runStop());
+    transcriber.cancel();
+    clock().runUntilIdle();
+    EXPECT_EQ(text, QString());
+    EXPECT_EQ(transcriber.processingMessage(), QString());
+    EXPECT_TRUE(ports.speech.analyses.empty());
+}
+
+TEST_F(SpeechTranscriberRoutesTest, FinishOfATranscriberThatGoesBeforeItBeginsDoesNoHarm) {
+    auto mortal = std::make_unique<SpeechTranscriber>(ports);
+    const auto task = Task<>::run(dictate(*mortal));
+    mortal.reset();
+    clock().runUntilIdle();
+    EXPECT_TRUE(task.isDone());
+    EXPECT_TRUE(ports.speech.analyses.empty());
+    EXPECT_TRUE(QFileInfo::exists(recordingFolder() + u"/recording.caf"_s));
+}
+
 // A cut runs in the background: whatever happens meanwhile, it must not disturb what follows.
 TEST_F(SpeechTranscriberRoutesTest, CutThatOutlivesItsSessionIsNotRecognised) {
     ports.speech.hasAnalyzer = false;
