@@ -1,6 +1,6 @@
 #include "Views/Settings/ScratchpadModel.h"
 
-#include "PageFixture.h"
+#include "SettingsFixture.h"
 
 #include <QFile>
 
@@ -11,7 +11,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-class ScratchpadPageTest : public PageFixture {
+class ScratchpadPageTest : public SettingsFixture {
 protected:
     void open() { openPage(u"Scratchpad"_qs); }
 

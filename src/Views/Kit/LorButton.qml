@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Controls
 import QtQuick.Templates as T
 import Lorvane
 
@@ -8,6 +9,7 @@ T.AbstractButton {
     id: button
 
     property real focusRadius: 6
+    property string tooltip: ""
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
@@ -25,6 +27,10 @@ T.AbstractButton {
             button.clicked();
     }
 
+    ToolTip.visible: tooltip !== "" && hovered
+    ToolTip.delay: 700
+    ToolTip.text: tooltip
+
     HoverHandler {
         cursorShape: Qt.PointingHandCursor
     }
@@ -36,6 +42,6 @@ T.AbstractButton {
         radius: button.focusRadius + 3
         color: "transparent"
         border.width: 2
-        border.color: LorPalette.translucent(LorPalette.accent, 0.6)
+        border.color: LorPalette.focus
     }
 }

@@ -1,75 +1,93 @@
 import QtQuick
 import QtQuick.Layouts
-import QtQuick.Templates as T
+import QtQuick.Window
 import Lorvane
 
-// Asks before something is destroyed. Escape is Cancel, which is also what Return chooses at first.
-T.Dialog {
-    id: dialog
+// The question before something that can't be undone. It stands on the window of `host` while
+// `isPresented`; whatever ends it sets that back.
+Loader {
+    id: confirmation
 
+    required property Item host
+    required property string title
     required property string message
+    // What the destructive button says.
     required property string action
+    property bool isPresented: false
 
     signal confirmed
 
-    parent: T.Overlay.overlay
-    anchors.centerIn: parent
-    width: 360
-    padding: 24
-    modal: true
-    focus: true
-    closePolicy: T.Popup.CloseOnEscape
-    onOpened: cancel.forceActiveFocus(Qt.TabFocusReason)
+    active: isPresented
 
-    T.Overlay.modal: Rectangle {
-        color: Qt.rgba(0, 0, 0, 0.25)
-    }
-
-    background: Rectangle {
-        radius: 14
+    sourceComponent: Window {
+        title: "Lorvane"
+        flags: Qt.Dialog
+        modality: Qt.WindowModal
+        transientParent: confirmation.host.Window.window
+        width: 400
+        height: column.implicitHeight + 2 * column.anchors.margins
+        minimumWidth: width
+        maximumWidth: width
+        minimumHeight: height
+        maximumHeight: height
         color: LorPalette.canvas
-        border.width: 1
-        border.color: Qt.rgba(0, 0, 0, 0.15)
-    }
+        visible: true
+        onClosing: confirmation.isPresented = false
 
-    contentItem: ColumnLayout {
-        spacing: 8
+        Component.onCompleted: requestActivate()
 
-        LorText {
-            Layout.fillWidth: true
-            text: dialog.title
-            font.pixelSize: 14
-            font.weight: Font.DemiBold
-            wrapMode: Text.Wrap
-            Accessible.role: Accessible.Heading
-        }
+        FocusScope {
+            anchors.fill: parent
+            focus: true
+            Keys.onEscapePressed: confirmation.isPresented = false
+            Accessible.role: Accessible.Dialog
+            Accessible.name: confirmation.title
 
-        LorText {
-            Layout.fillWidth: true
-            text: dialog.message
-            color: LorPalette.muted
-            wrapMode: Text.Wrap
-        }
+            ColumnLayout {
+                id: column
 
-        RowLayout {
-            Layout.alignment: Qt.AlignRight
-            Layout.topMargin: 12
-            spacing: 12
+                anchors.left: parent.left
+                anchors.right: parent.right
+                anchors.top: parent.top
+                anchors.margins: 24
+                spacing: 10
 
-            LorStandardButton {
-                text: dialog.action
-                destructive: true
-                onClicked: {
-                    dialog.close();
-                    dialog.confirmed();
+                LorText {
+                    Layout.fillWidth: true
+                    text: confirmation.title
+                    font.pixelSize: 15
+                    font.weight: Font.DemiBold
+                    wrapMode: Text.Wrap
+                    Accessible.role: Accessible.Heading
                 }
-            }
 
-            LorStandardButton {
-                id: cancel
+                LorText {
+                    Layout.fillWidth: true
+                    text: confirmation.message
+                    wrapMode: Text.Wrap
+                }
 
-                text: "Cancel"
-                onClicked: dialog.close()
+                RowLayout {
+                    Layout.alignment: Qt.AlignRight
+                    Layout.topMargin: 12
+                    spacing: 12
+
+                    LorStandardButton {
+                        text: confirmation.action
+                        destructive: true
+                        onClicked: {
+                            confirmation.isPresented = false;
+                            confirmation.confirmed();
+                        }
+                    }
+
+                    // The focus starts where nothing is lost.
+                    LorStandardButton {
+                        text: "Cancel"
+                        focus: true
+                        onClicked: confirmation.isPresented = false
+                    }
+                }
             }
         }
     }

@@ -10,6 +10,10 @@ QtObject {
     readonly property color accent: Qt.rgba(0.83, 0.29, 0.13, 1)
     readonly property color line: Qt.rgba(0, 0, 0, 0.08)
 
+    // Around controls, and around the one that has the keyboard focus.
+    readonly property color outline: Qt.rgba(0, 0, 0, 0.15)
+    readonly property color focus: translucent(accent, 0.6)
+
     // What the design calls standard.
     readonly property color red: "#ff3b30"
     readonly property color orange: "#ff9500"

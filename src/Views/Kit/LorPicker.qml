@@ -33,7 +33,7 @@ T.ComboBox {
         radius: 7
         color: picker.down ? LorPalette.sidebar : "white"
         border.width: 1
-        border.color: Qt.rgba(0, 0, 0, 0.15)
+        border.color: LorPalette.outline
 
         Rectangle {
             anchors.fill: parent
@@ -42,7 +42,7 @@ T.ComboBox {
             radius: 10
             color: "transparent"
             border.width: 2
-            border.color: LorPalette.translucent(LorPalette.accent, 0.6)
+            border.color: LorPalette.focus
         }
     }
 
@@ -128,7 +128,7 @@ T.ComboBox {
             radius: 8
             color: "white"
             border.width: 1
-            border.color: Qt.rgba(0, 0, 0, 0.15)
+            border.color: LorPalette.outline
         }
     }
 }

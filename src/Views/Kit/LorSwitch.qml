@@ -57,6 +57,6 @@ T.Switch {
         radius: height / 2
         color: "transparent"
         border.width: 2
-        border.color: LorPalette.translucent(LorPalette.accent, 0.6)
+        border.color: LorPalette.focus
     }
 }

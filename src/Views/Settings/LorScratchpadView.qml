@@ -49,7 +49,7 @@ Item {
                 text: "Clear…"
                 destructive: true
                 enabled: !pad.isEmpty
-                onClicked: confirmClear.open()
+                onClicked: confirmClear.isPresented = true
             }
         }
 
@@ -59,8 +59,7 @@ Item {
             radius: 16
             color: Qt.rgba(1, 1, 1, 0.9)
             border.width: editor.hasFocus ? 2 : 1
-            border.color: editor.hasFocus ? LorPalette.translucent(LorPalette.accent, 0.6)
-                                          : LorPalette.line
+            border.color: editor.hasFocus ? LorPalette.focus : LorPalette.line
 
             LorTextEditor {
                 id: editor
@@ -88,6 +87,7 @@ Item {
     LorConfirmation {
         id: confirmClear
 
+        host: page
         title: "Clear your scratchpad?"
         message: "This removes the scratchpad text. This can’t be undone."
         action: "Clear scratchpad"

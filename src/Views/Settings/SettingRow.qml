@@ -36,5 +36,7 @@ RowLayout {
 
     RowLayout {
         id: place
+
+        Layout.fillWidth: false
     }
 }

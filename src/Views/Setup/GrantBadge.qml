@@ -1,12 +1,29 @@
 import QtQuick
+import QtQuick.Layouts
 import Lorvane
 
 // Whether a grant is there, told by an icon and a text.
-LorLabel {
-    required property bool allowed
+RowLayout {
+    id: badge
 
-    symbol: allowed ? "checkmark.circle.fill" : "circle"
-    symbolColor: allowed ? LorPalette.green : LorPalette.muted
-    font.pixelSize: 11
-    description: allowed ? "Allowed" : "Not allowed"
+    required property string text
+    required property bool allowed
+    property alias font: words.font
+
+    Layout.fillWidth: false
+    spacing: 6
+
+    LorSymbol {
+        name: badge.allowed ? "checkmark.circle.fill" : "circle"
+        size: badge.font.pixelSize + 1
+        color: badge.allowed ? LorPalette.green : LorPalette.muted
+    }
+
+    LorText {
+        id: words
+
+        text: badge.text
+        font.pixelSize: 11
+        Accessible.description: badge.allowed ? "Allowed" : "Not allowed"
+    }
 }

@@ -20,11 +20,14 @@ ColumnLayout {
         Layout.fillWidth: true
 
         GrantBadge {
-            Layout.fillWidth: true
             text: controls.setup.grantStatus
             allowed: controls.setup.isAllowed
             font.pixelSize: 12
             font.weight: Font.Medium
+        }
+
+        Item {
+            Layout.fillWidth: true
         }
 
         LorStandardButton {

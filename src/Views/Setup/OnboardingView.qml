@@ -74,7 +74,7 @@ Item {
                 radius: 6
                 color: "transparent"
                 border.width: 2
-                border.color: LorPalette.translucent(LorPalette.accent, 0.6)
+                border.color: LorPalette.focus
             }
 
             Loader {

@@ -59,8 +59,7 @@ ColumnLayout {
         radius: 10
         color: "white"
         border.width: field.hasFocus ? 2 : 1
-        border.color: field.hasFocus ? LorPalette.translucent(LorPalette.accent, 0.6)
-                                           : LorPalette.line
+        border.color: field.hasFocus ? LorPalette.focus : LorPalette.line
 
         LorTextEditor {
             id: field

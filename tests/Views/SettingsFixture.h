@@ -14,7 +14,7 @@
 namespace lorvane {
 
 /// The main window, open on a page, with keys that can be typed into it.
-class PageFixture : public ViewFixture {
+class SettingsFixture : public ViewFixture {
 protected:
     std::unique_ptr<MainWindow> window;
 

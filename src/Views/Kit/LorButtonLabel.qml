@@ -1,0 +1,37 @@
+import QtQuick
+import QtQuick.Layouts
+import Lorvane
+
+// The centred text of a button, behind its icon if it has one.
+Item {
+    id: label
+
+    required property Item button
+    required property string symbol
+    required property color color
+
+    implicitWidth: row.implicitWidth
+    implicitHeight: row.implicitHeight
+
+    RowLayout {
+        id: row
+
+        anchors.centerIn: parent
+        spacing: 6
+
+        LorSymbol {
+            visible: label.symbol !== ""
+            name: visible ? label.symbol : "circle"
+            size: label.button.font.pixelSize + 1
+            color: label.color
+        }
+
+        Text {
+            text: label.button.text
+            font: label.button.font
+            color: label.color
+            textFormat: Text.PlainText
+            Accessible.ignored: true
+        }
+    }
+}
