@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Workspace.h"
+
 namespace lorvane {
 
 /// The one keystroke that the program types. Main thread only.
@@ -10,9 +12,9 @@ public:
     Keyboard &operator=(const Keyboard &) = delete;
     virtual ~Keyboard() = default;
 
-    /// Posts the desktop's paste key to the window in front, whatever modifiers the user still
-    /// holds. False if it can't be posted.
-    virtual bool postPaste() = 0;
+    /// Posts the desktop's paste key, whatever modifiers the user still holds. False if it can't be
+    /// posted, or if it would go to another window than that of `front` by now.
+    virtual bool postPaste(const RunningApplication &front) = 0;
 };
 
 } // namespace lorvane

@@ -45,18 +45,20 @@ Async<bool> SystemIntegration::paste(QString text, std::optional<PasteDestinatio
     const RunningApplication app = destination->app;
     if (ports_.workspace.isTerminated(app))
         co_return false;
-    if (!isInFront(app) && !ports_.workspace.activate(app))
+    if (!inFront(app) && !ports_.workspace.activate(app))
         co_return false;
 
     co_await sleep(ports_.clock, activationWait);
-    if (cancellation.stop_requested() || !isInFront(app))
+    if (cancellation.stop_requested() || !inFront(app))
         co_return false;
     if (destination->focusedElement) {
         const bool restored = co_await restoreFocus(app, *destination->focusedElement);
         if (!restored)
             co_return false;
     }
-    co_return ports_.keyboard.postPaste();
+    // Reading the focus took a moment, in which the user may have left.
+    const auto front = inFront(app);
+    co_return front &&ports_.keyboard.postPaste(*front);
 }
 
 Async<bool> SystemIntegration::restoreFocus(RunningApplication app, AccessibleElement element) {
@@ -66,14 +68,15 @@ Async<bool> SystemIntegration::restoreFocus(RunningApplication app, AccessibleEl
     if (!ports_.accessibility.setFocused(element))
         co_return false;
     co_await sleep(ports_.clock, focusWait);
-    if (cancellation.stop_requested() || !isInFront(app))
+    if (cancellation.stop_requested() || !inFront(app))
         co_return false;
     co_return ports_.accessibility.focusedElement(app) == element;
 }
 
-bool SystemIntegration::isInFront(const RunningApplication &app) const {
+/// The application with the window of it that is in front, if one is.
+std::optional<RunningApplication> SystemIntegration::inFront(const RunningApplication &app) const {
     const auto frontmost = ports_.workspace.frontmostApplication();
-    return frontmost && frontmost->processId == app.processId;
+    return frontmost && frontmost->processId == app.processId ? frontmost : std::nullopt;
 }
 
 bool SystemIntegration::accessibilityGranted() const {

@@ -48,7 +48,7 @@ public:
     void showApplication();
 
 private:
-    bool isInFront(const RunningApplication &app) const;
+    std::optional<RunningApplication> inFront(const RunningApplication &app) const;
     Async<bool> restoreFocus(RunningApplication app, AccessibleElement element);
 
     Ports ports_;

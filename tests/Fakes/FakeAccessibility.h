@@ -25,12 +25,17 @@ public:
     /// Called in `setFocused`, before it takes effect.
     std::function<void(const AccessibleElement &)> onSetFocused;
 
+    /// Called in `focusedElement`, before it answers.
+    std::function<void()> onRead;
+
     int focusedElementCount = 0;
     QList<AccessibleElement> elementsSet;
 
     std::optional<AccessibleElement>
     focusedElement(const RunningApplication &application) override {
         ++focusedElementCount;
+        if (onRead)
+            onRead();
         const auto element = focused.constFind(application.processId);
         if (element == focused.constEnd())
             return std::nullopt;

@@ -17,11 +17,13 @@ public:
     /// Called when a paste key is posted, for a test that plays the application which gets it.
     std::function<void()> onPaste;
     int pasteCount = 0;
+    RunningApplication lastFront;
 
-    bool postPaste() override {
+    bool postPaste(const RunningApplication &front) override {
         if (!canPost)
             return false;
         ++pasteCount;
+        lastFront = front;
         if (log_)
             log_->append(QStringLiteral("postPaste"));
         if (onPaste)

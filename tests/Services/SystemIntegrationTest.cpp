@@ -103,6 +103,45 @@ TEST_F(SystemIntegrationTest, TargetBehindIsActivatedFirst) {
     EXPECT_EQ(ports.log, QStringList({u"setText"_s, u"activate 42"_s, u"postPaste"_s}));
 }
 
+TEST_F(SystemIntegrationTest, TargetIsActivatedWhenNothingIsInFront) {
+    ports.workspace.front = std::nullopt;
+    paste({{editor, field}});
+    clock().advance(180ms);
+    EXPECT_EQ(pasted, true);
+    EXPECT_EQ(ports.log, QStringList({u"setText"_s, u"activate 42"_s, u"postPaste"_s}));
+}
+
+TEST_F(SystemIntegrationTest, TheKeyIsMeantForTheWindowThatIsInFrontThen) {
+    const RunningApplication otherWindow{editor.processId, 7, editor.startTime};
+    paste({{editor, field}});
+    ports.workspace.bringForward(otherWindow);
+    clock().advance(180ms);
+    EXPECT_EQ(pasted, true);
+    EXPECT_EQ(ports.keyboard.lastFront, otherWindow);
+}
+
+TEST_F(SystemIntegrationTest, FocusThatNothingHoldsIsRestoredToo) {
+    ports.accessibility.focused.remove(editor.processId);
+    ports.accessibility.onSetFocused = [this](const AccessibleElement &element) {
+        ports.accessibility.focused[editor.processId] = element;
+    };
+    paste({{editor, field}});
+    clock().advance(260ms);
+    EXPECT_EQ(pasted, true);
+    EXPECT_EQ(ports.log, QStringList({u"setText"_s, u"setFocused :1.5/field"_s, u"postPaste"_s}));
+}
+
+TEST_F(SystemIntegrationTest, TargetCapturedWithoutTheGrantIsPastedIntoWithIt) {
+    ports.permissions.accessibility = false;
+    const auto destination = integration.captureDestination(std::nullopt);
+    ports.permissions.accessibility = true;
+    ports.accessibility.focused[editor.processId] = otherField;
+    paste(destination);
+    clock().advance(180ms);
+    EXPECT_EQ(pasted, true);
+    EXPECT_EQ(ports.log, QStringList({u"setText"_s, u"postPaste"_s}));
+}
+
 TEST_F(SystemIntegrationTest, LostFocusIsRestoredWithASecondWait) {
     ports.accessibility.focused[editor.processId] = otherField;
     paste({{editor, field}});
@@ -188,6 +227,19 @@ TEST_F(SystemIntegrationTest, GivesUpWhenTheUserSwitchesAwayDuringTheSecondWait)
 TEST_F(SystemIntegrationTest, GivesUpWhenAnotherElementHasTheFocusInTheEnd) {
     ports.accessibility.focused[editor.processId] = otherField;
     ports.accessibility.focusTakesEffect = false;
+    paste({{editor, field}});
+    expectGaveUp();
+}
+
+TEST_F(SystemIntegrationTest, GivesUpWhenNoElementHasTheFocusInTheEnd) {
+    ports.accessibility.focused.clear();
+    paste({{editor, field}});
+    expectGaveUp();
+    EXPECT_EQ(ports.accessibility.elementsSet, QList{field});
+}
+
+TEST_F(SystemIntegrationTest, GivesUpWhenTheUserSwitchesAwayWhileTheFocusIsRead) {
+    ports.accessibility.onRead = [this] { ports.workspace.bringForward(browser); };
     paste({{editor, field}});
     expectGaveUp();
 }

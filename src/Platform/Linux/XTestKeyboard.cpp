@@ -29,23 +29,25 @@ XTestKeyboard::XTestKeyboard() = default;
 XTestKeyboard::~XTestKeyboard() = default;
 
 bool XTestKeyboard::isAvailable() {
-    if (!connection_ || connection_->error() != 0)
+    if (!connection_ || connection_->error() != 0) {
         connection_ = std::make_unique<X11Connection>();
+        // The first question for an extension waits without a limit, as connecting does: not when
+        // the key is to be posted.
+        useXkb(*connection_, QDeadlineTimer(timeLimit));
+    }
     if (connection_->error() != 0)
         return false;
     const auto *const extension = xcb_get_extension_data(connection_->get(), &xcb_test_id);
     return extension && extension->present;
 }
 
-bool XTestKeyboard::postPaste() {
+bool XTestKeyboard::postPaste(const RunningApplication &front) {
     if (!isAvailable())
         return false;
     const QDeadlineTimer deadline(timeLimit);
     xcb_connection_t *const c = connection_->get();
-    const auto keymapCookie = xcb_query_keymap(c);
     const auto map = KeyboardMap::read(*connection_, deadline);
-    const auto keymap = connection_->reply<xcb_query_keymap_reply_t>(keymapCookie, deadline);
-    if (!map || !keymap)
+    if (!map)
         return false;
     const auto controlKeys = map->keys(KeySymbol::controlLeft);
     const auto pasteKeys = map->keys(KeySymbol::v);
@@ -53,23 +55,47 @@ bool XTestKeyboard::postPaste() {
         return false;
     const xcb_keycode_t control = controlKeys.front();
     const xcb_keycode_t paste = pasteKeys.front();
-
     // What the user still holds would make another key of it. A held Space is the shortcut's grab,
     // which would take the keystroke for itself.
     auto keysToRelease = map->heldModifierKeys();
     for (const xcb_keycode_t space : map->keys(KeySymbol::space))
         keysToRelease.push_back(space);
     keysToRelease.push_back(paste);
-    for (const xcb_keycode_t key : keysToRelease) {
-        if (isDown(*keymap, key))
-            post(c, XCB_KEY_RELEASE, key);
-    }
 
-    post(c, XCB_KEY_PRESS, control);
-    post(c, XCB_KEY_PRESS, paste);
-    post(c, XCB_KEY_RELEASE, paste);
-    post(c, XCB_KEY_RELEASE, control);
-    return connection_->flush();
+    xcb_grab_server(c);
+    const auto keymap = connection_->reply<xcb_query_keymap_reply_t>(xcb_query_keymap(c), deadline);
+    const bool goesThere =
+        keymap && hasKeyboardFocus(static_cast<xcb_window_t>(front.window), deadline);
+    if (goesThere) {
+        for (const xcb_keycode_t key : keysToRelease) {
+            if (isDown(*keymap, key))
+                post(c, XCB_KEY_RELEASE, key);
+        }
+        post(c, XCB_KEY_PRESS, control);
+        post(c, XCB_KEY_PRESS, paste);
+        post(c, XCB_KEY_RELEASE, paste);
+        post(c, XCB_KEY_RELEASE, control);
+    }
+    xcb_ungrab_server(c);
+    return connection_->flush() && goesThere;
+}
+
+/// Whether the keys go to a window or to a part of it. The window manager's word for it comes a
+/// moment after the fact.
+bool XTestKeyboard::hasKeyboardFocus(xcb_window_t window, const QDeadlineTimer &deadline) {
+    constexpr int mostLevels = 32;
+    xcb_connection_t *const c = connection_->get();
+    const auto focus =
+        connection_->reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(c), deadline);
+    xcb_window_t holder = focus ? focus->focus : xcb_window_t(0);
+    for (int level = 0; level < mostLevels && holder > XCB_INPUT_FOCUS_FOLLOW_KEYBOARD; ++level) {
+        if (holder == window)
+            return true;
+        const auto tree =
+            connection_->reply<xcb_query_tree_reply_t>(xcb_query_tree(c, holder), deadline);
+        holder = tree ? tree->parent : xcb_window_t(0);
+    }
+    return false;
 }
 
 } // namespace lorvane

@@ -43,6 +43,14 @@ protected:
         return focus && focus->focus == window;
     }
 
+    RunningApplication front() const { return {0, window, 0}; }
+
+    void giveFocus(xcb_window_t other) {
+        xcb_set_input_focus(user.connection().get(), XCB_INPUT_FOCUS_PARENT, other,
+                            XCB_CURRENT_TIME);
+        user.synchronize();
+    }
+
     void setLayout(const QString &layout, const QString &variant = {}) {
         ASSERT_TRUE(VirtualDesktop::current().run(
             QStringLiteral("setxkbmap"),
@@ -65,7 +73,7 @@ protected:
 
 TEST_F(XTestKeyboardTest, TypesControlAndVOnce) {
     ASSERT_TRUE(keyboard.isAvailable());
-    ASSERT_TRUE(keyboard.postPaste());
+    ASSERT_TRUE(keyboard.postPaste(front()));
     EXPECT_TRUE(awaitPaste(user.key(KeySymbol::v)));
     EXPECT_EQ(user.keyPresses.size(), 2u);
     EXPECT_FALSE(user.isDown(user.key(KeySymbol::v)));
@@ -77,7 +85,7 @@ TEST_F(XTestKeyboardTest, ReleasesWhatTheUserHoldsAndDoesNotPressItAgain) {
                                             superLeft, levelThreeShift};
     for (const xcb_keysym_t symbol : held)
         user.press(symbol);
-    ASSERT_TRUE(keyboard.postPaste());
+    ASSERT_TRUE(keyboard.postPaste(front()));
     EXPECT_TRUE(awaitPaste(user.key(KeySymbol::v)));
     for (const xcb_keysym_t symbol : held)
         EXPECT_FALSE(user.isDown(user.key(symbol))) << symbol;
@@ -92,7 +100,7 @@ TEST_F(XTestKeyboardTest, ReachesTheWindowWhileTheShortcutIsHeldDown) {
     user.press(KeySymbol::altLeft);
     user.press(KeySymbol::space);
     ASSERT_TRUE(waitUntil([&] { return isHeld; }));
-    ASSERT_TRUE(keyboard.postPaste());
+    ASSERT_TRUE(keyboard.postPaste(front()));
     EXPECT_TRUE(awaitPaste(user.key(KeySymbol::v)));
     EXPECT_TRUE(waitUntil([&] { return !isHeld; }));
 }
@@ -100,7 +108,7 @@ TEST_F(XTestKeyboardTest, ReachesTheWindowWhileTheShortcutIsHeldDown) {
 TEST_F(XTestKeyboardTest, LocksStayAsTheyAre) {
     user.tap(KeySymbol::numLock);
     user.keyPresses.clear();
-    ASSERT_TRUE(keyboard.postPaste());
+    ASSERT_TRUE(keyboard.postPaste(front()));
     const xcb_keycode_t key = user.key(KeySymbol::v);
     EXPECT_TRUE(waitUntil([&] {
         return !user.keyPresses.empty() && user.keyPresses.back().detail == key &&
@@ -113,23 +121,61 @@ TEST_F(XTestKeyboardTest, FindsVWhereTheLayoutHasIt) {
     const xcb_keycode_t place = user.key(KeySymbol::v);
     setLayout(QStringLiteral("us"), QStringLiteral("dvorak"));
     ASSERT_NE(user.key(KeySymbol::v), place);
-    ASSERT_TRUE(keyboard.postPaste());
+    ASSERT_TRUE(keyboard.postPaste(front()));
     EXPECT_TRUE(awaitPaste(user.key(KeySymbol::v)));
 }
 
 TEST_F(XTestKeyboardTest, FindsVInAnotherLayoutWhenThePresentOneHasNone) {
     const xcb_keycode_t place = user.key(KeySymbol::v);
     setLayout(QStringLiteral("ru,us"));
-    ASSERT_TRUE(keyboard.postPaste());
+    ASSERT_TRUE(keyboard.postPaste(front()));
     EXPECT_TRUE(awaitPaste(place));
 }
 
 TEST_F(XTestKeyboardTest, PostsNothingWhenNoLayoutHasV) {
     setLayout(QStringLiteral("ru"));
     user.press(KeySymbol::altLeft);
-    EXPECT_FALSE(keyboard.postPaste());
+    EXPECT_FALSE(keyboard.postPaste(front()));
     EXPECT_TRUE(user.isDown(user.key(KeySymbol::altLeft)));
     user.release(KeySymbol::altLeft);
+}
+
+TEST_F(XTestKeyboardTest, TypesNothingOnceTheKeysGoToAnotherWindow) {
+    const xcb_window_t other = user.showWindow(0);
+    ASSERT_TRUE(user.bringForward(other));
+    user.press(KeySymbol::altLeft);
+    user.keyPresses.clear();
+    EXPECT_FALSE(keyboard.postPaste(front()));
+    EXPECT_TRUE(user.isDown(user.key(KeySymbol::altLeft)));
+    // What is typed after it shows that the time has come.
+    ASSERT_TRUE(keyboard.postPaste({0, other, 0}));
+    EXPECT_TRUE(awaitPaste(user.key(KeySymbol::v)));
+    user.destroyWindow(other);
+}
+
+TEST_F(XTestKeyboardTest, DoesNotBelieveAWindowManagerThatIsBehind) {
+    VirtualDesktop::current().endWindowManager(); // as far behind as it can be
+    const xcb_window_t other = user.showWindow(0);
+    giveFocus(window);
+    EXPECT_TRUE(keyboard.postPaste(front()));
+    giveFocus(other);
+    EXPECT_FALSE(keyboard.postPaste(front()));
+    giveFocus(XCB_INPUT_FOCUS_POINTER_ROOT);
+    EXPECT_FALSE(keyboard.postPaste(front()));
+    user.destroyWindow(other);
+    VirtualDesktop::current().startWindowManager();
+}
+
+TEST_F(XTestKeyboardTest, ReachesAPartOfTheWindow) {
+    giveFocus(user.showPart(window));
+    EXPECT_TRUE(keyboard.postPaste(front()));
+}
+
+TEST_F(XTestKeyboardTest, LetsTheServerGoOnAfterwards) {
+    EXPECT_TRUE(keyboard.postPaste(front()));
+    user.synchronize();
+    EXPECT_FALSE(keyboard.postPaste({}));
+    user.synchronize();
 }
 
 TEST(XTestKeyboardWithoutServer, IsNotAvailable) {
@@ -137,26 +183,26 @@ TEST(XTestKeyboardWithoutServer, IsNotAvailable) {
     qunsetenv("DISPLAY");
     XTestKeyboard keyboard;
     EXPECT_FALSE(keyboard.isAvailable());
-    EXPECT_FALSE(keyboard.postPaste());
+    EXPECT_FALSE(keyboard.postPaste({}));
     qputenv("DISPLAY", display);
 }
 
 TEST(XTestKeyboardWithoutServer, IsNotHeldUpByAStoppedServer) {
     VirtualDesktop brief(VirtualDesktop::server);
     XTestKeyboard keyboard;
-    ASSERT_TRUE(keyboard.postPaste());
+    ASSERT_TRUE(keyboard.isAvailable());
     ::kill(static_cast<pid_t>(brief.xServer().processId()), SIGSTOP);
     QElapsedTimer timer;
     timer.start();
-    EXPECT_FALSE(keyboard.postPaste());
+    EXPECT_FALSE(keyboard.postPaste({}));
     EXPECT_LT(timer.elapsed(), 400);
 }
 
 TEST(FakeKeyboardContract, SaysWhetherItCouldPost) {
     FakeKeyboard keyboard;
-    EXPECT_TRUE(keyboard.postPaste());
+    EXPECT_TRUE(keyboard.postPaste({}));
     keyboard.canPost = false;
-    EXPECT_FALSE(keyboard.postPaste());
+    EXPECT_FALSE(keyboard.postPaste({}));
     EXPECT_EQ(keyboard.pasteCount, 1);
 }
 

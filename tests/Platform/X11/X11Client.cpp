@@ -108,6 +108,16 @@ xcb_window_t X11Client::showWindow(qint64 processId) {
     return window;
 }
 
+xcb_window_t X11Client::showPart(xcb_window_t window) {
+    xcb_connection_t *const c = connection_.get();
+    const xcb_window_t part = xcb_generate_id(c);
+    xcb_create_window(c, XCB_COPY_FROM_PARENT, part, window, 10, 10, 100, 100, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_map_window(c, part);
+    synchronize();
+    return part;
+}
+
 void X11Client::destroyWindow(xcb_window_t window) {
     xcb_destroy_window(connection_.get(), window);
     synchronize();

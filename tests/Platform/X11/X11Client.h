@@ -37,6 +37,8 @@ public:
 
     /// Shows a window of a process; 0 leaves the process unsaid.
     xcb_window_t showWindow(qint64 processId);
+    /// Shows a window within a window.
+    xcb_window_t showPart(xcb_window_t window);
     void destroyWindow(xcb_window_t window);
     void iconify(xcb_window_t window);
     /// Asks the window manager, as a pager does.
