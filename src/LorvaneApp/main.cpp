@@ -1,12 +1,12 @@
 #include "AppStore/AppStore.h"
+#include "LorvaneApp/Application.h"
 #include "LorvaneApp/LinuxPlatform.h"
+#include "LorvaneApp/SingleInstance.h"
 #include "LorvaneApp/TerminationSignals.h"
 #include "Views/Shell/Graphics.h"
 #include "Views/Shell/MainWindow.h"
 #include "Views/Shell/TrayItem.h"
 #include "Views/Shell/ViewEngine.h"
-
-#include <QApplication>
 
 using namespace Qt::StringLiterals;
 
@@ -14,11 +14,14 @@ int main(int argc, char **argv) {
     using namespace lorvane;
 
     TerminationSignals::block();
-    QApplication application(argc, argv);
+    Application application(argc, argv);
     QApplication::setApplicationName(u"lorvane"_s);
     QApplication::setDesktopFileName(u"net.lorvane.Lorvane"_s);
     // The program lives in the tray as much as in its window.
     QApplication::setQuitOnLastWindowClosed(false);
+    SingleInstance instance;
+    if (!instance.isFirst())
+        return 0;
     const TerminationSignals signals([] { QApplication::quit(); });
     setUpGraphics();
 
@@ -28,6 +31,7 @@ int main(int argc, char **argv) {
     platform.overlay().setMeter(*store.recordingOverlay().meter());
     MainWindow window(engine, store);
     TrayItem tray(store, window);
+    QObject::connect(&instance, &SingleInstance::activated, &window, &MainWindow::open);
     window.open();
     return QApplication::exec();
 }

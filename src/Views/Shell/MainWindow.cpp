@@ -3,12 +3,14 @@
 #include "AppStore/AppStore.h"
 
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QQmlComponent>
 
 namespace lorvane {
 
 MainWindow::MainWindow(QQmlEngine &engine, AppStore &store, QObject *parent)
-    : QObject(parent), engine_(engine), store_(store) {
+    : QObject(parent), engine_(engine), store_(store), toggle_(store) {
+    menu_.addAction(&toggle_);
     connect(&store_, &AppStore::setupRequested, this, &MainWindow::open);
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
             [this](Qt::ApplicationState state) {
@@ -36,8 +38,29 @@ void MainWindow::make() {
     QObject *object =
         component.createWithInitialProperties({{u"store"_qs, QVariant::fromValue(&store_)}});
     window_.reset(qobject_cast<QQuickWindow *>(object));
-    if (!window_)
+    if (window_)
+        window_->installEventFilter(this);
+    else
         qFatal("The main window can't be made: %s", qPrintable(component.errorString()));
+}
+
+// Ahead of whatever has the focus in the window.
+bool MainWindow::eventFilter(QObject *object, QEvent *event) {
+    if (object != window_.get() || event->type() != QEvent::KeyPress)
+        return false;
+    const auto &key = static_cast<QKeyEvent &>(*event);
+    if (key.key() != Qt::Key_F10 || key.modifiers() != Qt::NoModifier)
+        return false;
+    openMenu();
+    return true;
+}
+
+void MainWindow::openMenu() {
+    // A native window of its own, which the desktop keeps above the main one.
+    menu_.winId();
+    menu_.windowHandle()->setTransientParent(window_.get());
+    menu_.popup(window_->mapToGlobal(QPoint(0, 0)));
+    menu_.setActiveAction(&toggle_);
 }
 
 void MainWindow::close() {

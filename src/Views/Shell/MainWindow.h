@@ -1,5 +1,8 @@
 #pragma once
 
+#include "Views/Shell/DictationAction.h"
+
+#include <QMenu>
 #include <QObject>
 #include <QQmlEngine>
 #include <QQuickWindow>
@@ -12,7 +15,7 @@ class AppStore;
 
 /// The one main window. It can be closed and opened again; closing it ends nothing, provided that
 /// the application doesn't quit with its last window. It opens when the store asks for the setup
-/// guide. Main thread only.
+/// guide. The key F10 opens its menu. Main thread only.
 class MainWindow : public QObject {
     Q_OBJECT
 public:
@@ -23,13 +26,21 @@ public:
     /// Opens the window on Home, or, if it is open, brings it to the front as it is.
     void open();
     void close();
+    /// The window's own menu.
+    QMenu &menu() { return menu_; }
     bool isOpen() const { return window_ && window_->isVisible(); }
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override;
 
 private:
     void make();
+    void openMenu();
 
     QQmlEngine &engine_;
     AppStore &store_;
+    DictationAction toggle_;
+    QMenu menu_;
     std::unique_ptr<QQuickWindow> window_;
 };
 

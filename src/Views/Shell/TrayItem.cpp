@@ -19,10 +19,10 @@ QIcon trayIcon(bool isRecording) {
 } // namespace
 
 TrayItem::TrayItem(AppStore &store, MainWindow &window, QObject *parent)
-    : QObject(parent), store_(store), icon_(trayIcon(false)) {
+    : QObject(parent), store_(store), toggle_(store), icon_(trayIcon(false)) {
     menu_.addAction(u"Open Lorvane"_qs, &window, &MainWindow::open);
     menu_.addSeparator();
-    toggle_ = menu_.addAction(QString(), &store_, &AppStore::toggleRecording);
+    menu_.addAction(&toggle_);
     cancel_ = menu_.addAction(u"Cancel Dictation"_qs, &store_, &AppStore::cancelRecording);
     menu_.addAction(u"Hold ⌃⌥Space · release to paste"_qs)->setEnabled(false);
     menu_.addSeparator();
@@ -32,7 +32,6 @@ TrayItem::TrayItem(AppStore &store, MainWindow &window, QObject *parent)
     });
 
     connect(&store_, &AppStore::dictationChanged, this, &TrayItem::refresh);
-    connect(&store_, &AppStore::isBusyChanged, this, &TrayItem::refresh);
     refresh();
 
     icon_.setToolTip(u"Lorvane"_qs);
@@ -44,8 +43,6 @@ TrayItem::~TrayItem() = default;
 
 void TrayItem::refresh() {
     const bool isRecording = store_.isRecording();
-    toggle_->setText(isRecording ? u"Finish Dictation"_qs : u"Start Dictation"_qs);
-    toggle_->setEnabled(!store_.isBusy());
     cancel_->setVisible(isRecording);
     // The store tells of every buffer of the microphone; the panel needn't hear of each.
     if (isRecording != showsRecording_) {

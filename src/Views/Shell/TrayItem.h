@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Views/Shell/DictationAction.h"
+
 #include <QMenu>
 #include <QObject>
 #include <QSystemTrayIcon>
@@ -27,8 +29,8 @@ private:
     void refresh();
 
     AppStore &store_;
+    DictationAction toggle_;
     QMenu menu_;
-    QAction *toggle_ = nullptr;
     QAction *cancel_ = nullptr;
     QSystemTrayIcon icon_;
     bool showsRecording_ = false;

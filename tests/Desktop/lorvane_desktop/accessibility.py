@@ -3,7 +3,7 @@ so that no answer is older than the question."""
 
 import re
 
-from gi.repository import GLib
+from gi.repository import Gio, GLib
 
 from .session import call
 
@@ -27,6 +27,31 @@ def application(session, process):
         if pid == process.pid:
             return child
     return None
+
+
+class Focus:
+    """The element that was last told to have got the focus, as a screen reader follows it."""
+
+    def __init__(self, session):
+        self._element = None
+        bus = session.accessibility_bus
+        call(bus, "org.a11y.atspi.Registry", "/org/a11y/atspi/registry", "org.a11y.atspi.Registry",
+             "RegisterEvent", GLib.Variant("(sass)", ("object:state-changed:focused", [], "")))
+
+        def changed(_bus, owner, path, _interface, _signal, arguments):
+            if arguments[1]:
+                self._element = Element(bus, owner, path)
+
+        bus.signal_subscribe(None, "org.a11y.atspi.Event.Object", "StateChanged", None, "focused",
+                             Gio.DBusSignalFlags.NONE, changed)
+
+    def name(self):
+        while GLib.MainContext.default().iteration(False):
+            pass
+        try:
+            return self._element.name() if self._element else ""
+        except GLib.Error:
+            return ""
 
 
 class Element:
@@ -66,6 +91,10 @@ class Element:
         done, = self._call(_ACTION, "DoAction", GLib.Variant("(i)", (0,)))
         if not done:
             raise RuntimeError(f"{self} refused to be pressed")
+
+    def focus(self):
+        """Gives the element the keyboard focus within its window."""
+        self._call("org.a11y.atspi.Component", "GrabFocus")
 
     def walk(self):
         """The element and everything below it. What goes away meanwhile is passed over."""

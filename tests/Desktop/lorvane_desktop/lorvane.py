@@ -26,16 +26,17 @@ RELEASED_EARLY = ("Released before the microphone was ready. After granting perm
 class Lorvane:
     """Starts the program with its grants given and waits until its window is usable."""
 
-    def __init__(self, session):
+    def __init__(self, session, is_set_up=True, binary=BINARY):
         session.grant("devices", "microphone", APPLICATION_ID)
         session.grant("lorvane", "speech-recognition", APPLICATION_ID)
         self._session = session
         # As somebody who has been through the setup guide.
         settings = Path(os.environ["XDG_CONFIG_HOME"]) / "lorvane/lorvane.conf"
-        settings.parent.mkdir()
-        settings.write_text("[General]\nLorvane.didCompleteSetup=true\n")
+        settings.parent.mkdir(exist_ok=True)
+        if is_set_up:
+            settings.write_text("[General]\nLorvane.didCompleteSetup=true\n")
         self.folder = Path(os.environ["XDG_DATA_HOME"]) / "Lorvane"
-        self.process = session.spawn("lorvane", BINARY)
+        self.process = session.spawn("lorvane", binary)
         self._texts = {}
         self.window = until(self._find_window, 30,
                             "Lorvane's window")

@@ -39,6 +39,7 @@ class Session:
         self.output = BINARY.parent / "desktop" / name
         self.home = None
         self._processes = []
+        self._named = {}
 
     def __enter__(self):
         shutil.rmtree(self.output, ignore_errors=True)
@@ -72,13 +73,13 @@ class Session:
             "LANG": "C.UTF-8",
             "LC_ALL": "C.UTF-8",
         })
-        number = self._spawn_and_read(
+        number = self.spawn_and_read(
             "xvfb", ["Xvfb", "-displayfd", "{}", "-screen", "0", f"{self.size}x24", "-dpi", "96",
                      "-nolisten", "tcp", "-noreset"])
         os.environ["DISPLAY"] = f":{number}"
 
         address = f"unix:path={self.home}/run/bus"
-        self._spawn_and_read("dbus", ["dbus-daemon", "--session", f"--address={address}",
+        self.spawn_and_read("dbus", ["dbus-daemon", "--session", f"--address={address}",
                                       "--print-address={}", "--nofork", "--nopidfile"])
         os.environ["DBUS_SESSION_BUS_ADDRESS"] = address
         self.bus = connect(address)
@@ -104,9 +105,14 @@ class Session:
                                        stdin=subprocess.DEVNULL, stdout=log, stderr=log,
                                        start_new_session=True, **options)
         self._processes.append(process)
+        self._named[name] = process
         return process
 
-    def _spawn_and_read(self, name, command):
+    def process(self, name):
+        """The process that was last spawned under a name."""
+        return self._named[name]
+
+    def spawn_and_read(self, name, command):
         """Starts a process that writes a line into a descriptor (its number replaces the "{}" of
         the command) once it is ready, and gives that line."""
         reader, writer = os.pipe()

@@ -15,13 +15,24 @@ PAUSE = 0.3
 class DesktopTest(unittest.TestCase):
     def setUp(self):
         self.session = self.enterContext(Session(self.id()))
-        self.lorvane = Lorvane(self.session)
+        self.prepare()
+        self.lorvane = self.start()
         self.addCleanup(self.session.screenshot, "end")
 
-    def hold_and_say(self, voice, while_speaking=lambda: None):
-        """Holds the shortcut, speaks once the microphone is live, and lets go."""
+    def prepare(self):
+        """What a test wants on its desktop before Lorvane starts."""
+
+    def start(self):
+        return Lorvane(self.session)
+
+    def hold_and_say(self, voice, while_speaking=lambda: None, listening=None):
+        """Holds the shortcut, speaks once the microphone is live, and lets go. `listening` tells
+        whether it is; else the window does."""
         with keys.held_shortcut():
-            self.lorvane.wait_for(LISTENING)
+            if listening:
+                until(listening, 10, "the live microphone")
+            else:
+                self.lorvane.wait_for(LISTENING)
             speech = microphone.say(self.session, voice)
             while_speaking()
             speech.wait()
