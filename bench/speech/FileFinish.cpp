@@ -3,8 +3,8 @@
 
 #include "Platform/Linux/SndfileAudioFile.h"
 #include "Speech/DecodedAudio.h"
-#include "Speech/FileAnalysis.h"
 #include "Speech/OnDeviceSpeech.h"
+#include "Speech/SpeechEngine.h"
 #include "Speech/WordErrors.h"
 
 #include <QCommandLineParser>
@@ -18,6 +18,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <future>
+#include <thread>
 
 namespace lorvane {
 namespace {
@@ -41,30 +43,96 @@ double median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
+using Results = std::vector<SpeechAnalysisResult>;
+
+struct Models {
+    Models() {
+        const QString folder = OnDeviceSpeech::installedModelsFolder();
+        const std::optional<ModelFolder> model = ModelFolder::find(folder, u"en"_qs);
+        if (!model)
+            throw std::runtime_error("there is no model: run scripts/fetch-speech");
+        bare = std::make_unique<SpeechEngine>(runtime, *model,
+                                              QDir(folder).filePath(u"vad/silero.onnx"_qs));
+        bare->load(fileModel);
+        speech.preload();
+        recognizer = speech.makeRecognizer(u"en-US"_qs);
+    }
+
+    SndfileAudioFile audioFile;
+    OnnxRuntime runtime{1};
+    std::unique_ptr<SpeechEngine> bare;
+    OnDeviceSpeech speech{audioFile, OnDeviceSpeech::installedModelsFolder()};
+    std::shared_ptr<SpeechRecognizer> recognizer;
+};
+
 /// The stretches of a recording, and the seconds that they took.
-std::pair<std::vector<SpeechAnalysisResult>, double> analyze(const QString &path,
-                                                             SpeechEngine &engine) {
-    std::vector<SpeechAnalysisResult> results;
+std::pair<Results, double> analyze(Models &models, const QString &path) {
+    Results results;
+    std::promise<std::optional<QString>> end;
     const auto start = SteadyClock::now();
-    const std::unique_ptr<AudioFileReader> file = SndfileAudioFile().openForReading(path);
-    FileAnalysis analysis(file->format(), engine, {});
-    analysis.finish(*file, [&](const SpeechAnalysisResult &result) { results.push_back(result); },
-                    {});
+    const auto analyzer = models.speech.makeAnalyzer(u"en-US"_qs, {});
+    analyzer->start(
+        path, [&](const SpeechAnalysisResult &result) { results.push_back(result); },
+        [&](const std::optional<QString> &error) { end.set_value(error); });
+    if (const std::optional<QString> error = end.get_future().get())
+        throw std::runtime_error(error->toStdString());
     return {results, secondsSince(start)};
 }
 
-double bareSeconds(std::span<const float> samples, SpeechEngine &engine) {
+double bareSeconds(Models &models, std::span<const float> samples) {
     const auto start = SteadyClock::now();
     const double duration = static_cast<double>(samples.size()) / SpeechModel::sampleRate;
-    engine.recognizeStretch(samples, {0, duration}, fileModel, {}, {});
+    models.bare->recognizeStretch(samples, {0, duration}, fileModel, {}, {});
     return secondsSince(start);
 }
 
-/// Writes the samples `times` times, one after another.
-void write(const QString &path, const std::vector<float> &samples, int times) {
-    const auto writer = SndfileAudioFile().openForWriting(path, {sampleRate, 1});
+void write(Models &models, const QString &path, const std::vector<float> &samples, int times) {
+    const auto writer = models.audioFile.openForWriting(path, {sampleRate, 1});
     for (int i = 0; i < times; ++i)
         writer->write({samples.data(), static_cast<qsizetype>(samples.size()), 1});
+}
+
+/// Records the samples at the pace of speech, with a live text, while the file is followed.
+std::pair<Results, double> dictate(Models &models, const QString &path,
+                                   const std::vector<float> &samples) {
+    constexpr std::size_t bufferSize = 2048;
+    auto writer = models.audioFile.openForWriting(path, {sampleRate, 1});
+    const auto following = models.speech.followRecording(path, u"en-US"_qs, {});
+    std::shared_ptr<SpeechBufferRequest> request;
+    std::unique_ptr<SpeechTask> live;
+    auto due = SteadyClock::now();
+    auto rotation = due;
+    for (std::size_t i = 0; i < samples.size(); i += bufferSize) {
+        if (due >= rotation) {
+            rotation += std::chrono::seconds(30);
+            request = models.recognizer->makeBufferRequest({sampleRate, 1}, SpeechOptions());
+            live = models.recognizer->recognize(request, [](const auto &, const auto &) {});
+        }
+        due += std::chrono::microseconds(1'000'000LL * bufferSize / sampleRate);
+        std::this_thread::sleep_until(due);
+        const auto count = static_cast<qsizetype>(std::min(bufferSize, samples.size() - i));
+        writer->write({samples.data() + i, count, 1});
+        request->append({samples.data() + i, count, 1});
+    }
+    live->cancel();
+    writer.reset();
+    return analyze(models, path);
+}
+
+bool areEqual(const Results &results, const Results &others) {
+    return std::equal(results.begin(), results.end(), others.begin(), others.end(),
+                      [](const SpeechAnalysisResult &a, const SpeechAnalysisResult &b) {
+                          return a.text == b.text && a.start == b.start && a.duration == b.duration;
+                      });
+}
+
+void print(const char *what, const std::vector<double> &seconds, const std::vector<double> &bare) {
+    if (seconds.empty())
+        return;
+    std::printf("%-34s %6.3f s", what, median(seconds));
+    if (!bare.empty())
+        std::printf(", %.2f of the bare model's", median(seconds) / median(bare));
+    std::printf("\n");
 }
 
 int runBenchmark(QCoreApplication &application) {
@@ -73,35 +141,38 @@ int runBenchmark(QCoreApplication &application) {
     parser.addPositionalArgument(u"recording"_qs, u"an audio file"_qs);
     parser.addOption({u"transcript"_qs, u"what it says"_qs, u"file"_qs});
     parser.addOption({u"times"_qs, u"repeat it within the file"_qs, u"count"_qs, u"1"_qs});
-    parser.addOption({u"runs"_qs, u"analyse it so often"_qs, u"count"_qs, u"1"_qs});
+    parser.addOption({u"runs"_qs, u"do it so often"_qs, u"count"_qs, u"1"_qs});
+    parser.addOption({u"dictate"_qs, u"record it at the pace of speech, too"_qs});
     parser.process(application);
     if (parser.positionalArguments().size() != 1)
         parser.showHelp(1);
     const QString recording = parser.positionalArguments().first();
     const QTemporaryDir folder;
     const QString path = folder.filePath(u"recording.caf"_qs);
-    write(path, decodedAudio(recording, sampleRate), parser.value(u"times"_qs).toInt());
-    std::vector<float> samples = decodedAudio(recording);
-
-    OnnxRuntime runtime(1);
-    const QString models = OnDeviceSpeech::installedModelsFolder();
-    const std::optional<ModelFolder> model = ModelFolder::find(models, u"en"_qs);
-    if (!model)
-        throw std::runtime_error("there is no model: run scripts/fetch-speech");
-    SpeechEngine engine(runtime, *model, QDir(models).filePath(u"vad/silero.onnx"_qs));
-    engine.load(fileModel);
+    Models models;
+    write(models, path, decodedAudio(recording, sampleRate), parser.value(u"times"_qs).toInt());
+    const std::vector<float> samples = decodedAudio(recording);
 
     std::vector<double> bare;
-    std::vector<double> whole;
-    std::vector<SpeechAnalysisResult> results;
+    std::vector<double> fresh;
+    std::vector<double> ahead;
+    Results results;
+    analyze(models, path); // loads what is not loaded yet
     const bool isShort =
         static_cast<double>(samples.size()) < SpeechModel::longestStretch * SpeechModel::sampleRate;
     for (int run = 0; run < parser.value(u"runs"_qs).toInt(); ++run) {
         if (isShort)
-            bare.push_back(bareSeconds(samples, engine));
-        const auto [stretches, seconds] = analyze(path, engine);
-        whole.push_back(seconds);
+            bare.push_back(bareSeconds(models, samples));
+        const auto [stretches, seconds] = analyze(models, path);
+        fresh.push_back(seconds);
         results = stretches;
+        if (parser.isSet(u"dictate"_qs)) {
+            const auto [same, finish] = dictate(models, folder.filePath(u"dictation.caf"_qs),
+                                                decodedAudio(recording, sampleRate));
+            ahead.push_back(finish);
+            if (!areEqual(same, results))
+                throw std::runtime_error("work done ahead gave another text");
+        }
     }
     QStringList texts;
     for (const SpeechAnalysisResult &result : results) {
@@ -109,12 +180,10 @@ int runBenchmark(QCoreApplication &application) {
                     qPrintable(result.text));
         texts.append(result.text);
     }
-    if (isShort)
-        std::printf("the bare model %.3f s, ", median(bare));
-    std::printf("the whole analysis %.3f s", median(whole));
-    if (isShort)
-        std::printf(", ratio %.2f", median(whole) / median(bare));
-    std::printf("; %.0f MB at the peak\n", peakMegabytes());
+    print("the bare model", bare, {});
+    print("the finished file", fresh, bare);
+    print("the file followed from its start", ahead, bare);
+    std::printf("%.0f MB at the peak\n", peakMegabytes());
     if (QFile transcript(parser.value(u"transcript"_qs)); transcript.open(QIODevice::ReadOnly)) {
         const WordErrors errors = wordErrors(spokenWords(QString::fromUtf8(transcript.readAll())),
                                              spokenWords(texts.join(u' ')));

@@ -141,6 +141,14 @@ public:
     /// analyse whole files is installed for its language. Nothing is ever downloaded.
     virtual std::unique_ptr<SpeechAnalyzer> makeAnalyzer(const QString &localeIdentifier,
                                                          const QStringList &contextualStrings) = 0;
+
+    /// Follows the recording that is being written to `path`: what later audio can't change of its
+    /// analysis is done already, in the time that the live text leaves, for an analyser of the same
+    /// locale and phrases that is started with that path. It hears the same with it and without it.
+    /// None where there is no analyser. One recording at a time; destroying the task ends it.
+    virtual std::unique_ptr<SpeechTask> followRecording(const QString &path,
+                                                        const QString &localeIdentifier,
+                                                        const QStringList &contextualStrings) = 0;
 };
 
 } // namespace lorvane

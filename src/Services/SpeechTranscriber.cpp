@@ -112,6 +112,8 @@ Async<> SpeechTranscriber::prepare(QString localeIdentifier, QStringList context
     liveAssembly_ = TranscriptAssembly();
 
     startAudio(session);
+    following_ = ports_.speech.followRecording(capture_->url, recognizer->localeIdentifier(),
+                                               contextualStrings_);
     setRecording(true);
     publish(processingMessage_, u"Recording"_s);
     startLivePreview();
@@ -189,6 +191,7 @@ void SpeechTranscriber::cancel(bool preserveAudio) {
     if (const auto recognition = std::exchange(fileRecognition_, nullptr))
         recognition->cancel();
     std::exchange(finishTask_, {}).cancel();
+    following_.reset();
     if (const auto capture = std::exchange(capture_, nullptr)) {
         capture->close();
         if (preserveAudio)

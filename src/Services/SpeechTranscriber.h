@@ -117,6 +117,7 @@ private:
     bool usesOnDeviceRecognition_ = false;
 
     std::shared_ptr<AudioRecording> capture_;
+    std::unique_ptr<SpeechTask> following_; ///< of the recording, until its outcome is settled
     std::shared_ptr<SpeechRecognizer> recognizer_;
     QStringList contextualStrings_;
     QUuid sessionID_ = QUuid::createUuid();

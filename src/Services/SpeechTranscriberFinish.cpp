@@ -106,6 +106,7 @@ Async<QString> SpeechTranscriber::transcribeRecording(Self self,
         confirm(*recording);
     else
         keepForRecovery(*recording, problems);
+    following_.reset();
     capture_.reset();
     recognizer_.reset();
     co_return transcript_;

@@ -4,6 +4,8 @@
 #include "Speech/Abandoned.h"
 #include "Speech/Level.h"
 
+#include <QHash>
+
 #include <algorithm>
 
 namespace lorvane {
@@ -31,56 +33,80 @@ const AudioFormat &usable(const AudioFormat &format) {
     return format;
 }
 
+LocalizedError endedEarly() {
+    return LocalizedError(u"The recording could not be read to its end."_qs);
+}
+
 std::size_t sampleAt(double time) {
     return static_cast<std::size_t>(time * SpeechModel::sampleRate);
 }
 
 } // namespace
 
-FileAnalysis::FileAnalysis(const AudioFormat &format, SpeechEngine &engine,
+FileAnalysis::FileAnalysis(const AudioFormat &format, std::shared_ptr<KeptEngine> engine,
                            QStringList contextualStrings)
     : format_(usable(format)),
-      engine_(engine),
+      engine_(std::move(engine)),
       options_(optionsWith(std::move(contextualStrings))),
       block_(static_cast<std::size_t>(blockFrames * format.channelCount)),
       mono_(static_cast<std::size_t>(blockFrames)),
       resampler_(format.sampleRate),
-      activity_(engine.makeVoiceActivity()) {}
+      activity_(engine_->use().makeVoiceActivity()) {}
 
-void FileAnalysis::advance(AudioFileReader &file, const OnResult &onResult,
-                           const std::stop_token &stop) {
+void FileAnalysis::advance(AudioFileReader &file, const std::stop_token &stop) {
     file.seek(position_);
-    while (file.length() - position_ >= blockFrames && take(file)) {
+    while (file.length() - position_ >= blockFrames) {
+        if (!take(file))
+            throw endedEarly();
         if (stop.stop_requested())
             throw Abandoned();
-        listen(stepSamples + samplesAhead, onResult, stop);
+        listen(stepSamples + samplesAhead, stop);
     }
 }
 
-void FileAnalysis::finish(AudioFileReader &file, const OnResult &onResult,
-                          const std::stop_token &stop) {
-    advance(file, onResult, stop);
+bool FileAnalysis::isOf(AudioFileReader &file, const std::stop_token &stop) {
+    if (!(file.format() == format_))
+        return false;
+    file.seek(0);
+    std::size_t contents = 0;
+    while (file.position() < position_ && readBlock(file, contents) > 0) {
+        if (stop.stop_requested())
+            throw Abandoned();
+    }
+    return file.position() == position_ && contents == contents_;
+}
+
+void FileAnalysis::finish(AudioFileReader &file, OnResult onResult, const std::stop_token &stop) {
+    onResult_ = std::move(onResult);
+    for (const SpeechAnalysisResult &result : results_)
+        onResult_(result);
+    advance(file, stop);
     take(file);
     if (position_ < file.length())
-        throw LocalizedError(u"The recording could not be read to its end."_qs);
+        throw endedEarly();
     resampler_.finish(samples_);
-    listen(VoiceActivity::windowSize, onResult, stop);
+    listen(VoiceActivity::windowSize, stop);
     for (const VoiceSpan &stretch :
          cutter_.finish(static_cast<double>(end()) / SpeechModel::sampleRate))
-        recognize(stretch, onResult, stop);
+        recognize(stretch, stop);
 }
 
 bool FileAnalysis::take(AudioFileReader &file) {
-    const qsizetype frameCount = file.read(block_.data(), blockFrames);
-    const auto count = static_cast<std::size_t>(frameCount);
-    position_ += frameCount;
+    const std::size_t count = readBlock(file, contents_);
+    position_ += static_cast<qint64>(count);
     mixToMono(block_.data(), count, format_.channelCount, mono_.data());
     resampler_.process(std::span(mono_).first(count), samples_);
-    return frameCount == blockFrames;
+    return count == mono_.size();
 }
 
-void FileAnalysis::listen(std::size_t leastSamples, const OnResult &onResult,
-                          const std::stop_token &stop) {
+std::size_t FileAnalysis::readBlock(AudioFileReader &file, std::size_t &contents) {
+    const auto count = static_cast<std::size_t>(file.read(block_.data(), blockFrames));
+    const std::size_t size = count * static_cast<std::size_t>(format_.channelCount);
+    contents = qHashBits(block_.data(), size * sizeof(float), contents);
+    return count;
+}
+
+void FileAnalysis::listen(std::size_t leastSamples, const std::stop_token &stop) {
     while (end() - heard_ >= leastSamples) {
         const std::size_t to = std::min(heard_ + stepSamples, end());
         const std::size_t behind = std::min(heard_, samplesBehind);
@@ -90,22 +116,24 @@ void FileAnalysis::listen(std::size_t leastSamples, const OnResult &onResult,
         const std::vector<float> &probabilities = activity_.probabilities();
         for (; windowsCut_ < probabilities.size(); ++windowsCut_) {
             if (const auto stretch = cutter_.add(probabilities[windowsCut_]))
-                recognize(*stretch, onResult, stop);
+                recognize(*stretch, stop);
         }
         forget();
     }
 }
 
-void FileAnalysis::recognize(VoiceSpan stretch, const OnResult &onResult,
-                             const std::stop_token &stop) {
+void FileAnalysis::recognize(VoiceSpan stretch, const std::stop_token &stop) {
     const std::vector<float> voice =
         amplified(samples(sampleAt(stretch.start), sampleAt(stretch.end)), gain_);
     const double duration = static_cast<double>(voice.size()) / SpeechModel::sampleRate;
     const QList<TimedWord> words =
-        engine_.recognizeStretch(voice, {0, duration}, fileModel, options_, stop);
+        engine_->use().recognizeStretch(voice, {0, duration}, engine_->size(), options_, stop);
     const QString text = makeResult(words, true).formattedString.trimmed();
-    if (!text.isEmpty() && !stop.stop_requested())
-        onResult({text, stretch.start, stretch.end - stretch.start, true});
+    if (text.isEmpty())
+        return;
+    results_.push_back({text, stretch.start, stretch.end - stretch.start, true});
+    if (onResult_ && !stop.stop_requested())
+        onResult_(results_.back());
 }
 
 /// Lets go of the samples that nothing needs any more.

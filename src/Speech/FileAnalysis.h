@@ -2,8 +2,8 @@
 
 #include "Platform/AudioFile.h"
 #include "Platform/Speech.h"
+#include "Speech/KeptEngine.h"
 #include "Speech/Resampler.h"
-#include "Speech/SpeechEngine.h"
 #include "Speech/StretchCutter.h"
 
 namespace lorvane {
@@ -13,34 +13,44 @@ namespace lorvane {
 /// that is still being written gives the same results as the finished one. One thread at a time.
 class FileAnalysis {
 public:
-    using OnResult = std::function<void(const SpeechAnalysisResult &)>;
+    using OnResult = SpeechAnalyzer::OnResult;
 
-    /// `engine` outlives this. Throws LocalizedError for a format that can't be heard.
-    FileAnalysis(const AudioFormat &format, SpeechEngine &engine, QStringList contextualStrings);
+    /// Throws LocalizedError for a format that can't be heard.
+    FileAnalysis(const AudioFormat &format, std::shared_ptr<KeptEngine> engine,
+                 QStringList contextualStrings);
 
-    /// Hears what `file` holds more than last time, and gives each stretch that is settled. Throws
-    /// LocalizedError, and Abandoned once `stop` is asked for: neither can be gone on from.
-    void advance(AudioFileReader &file, const OnResult &onResult, const std::stop_token &stop);
+    /// Hears what `file` holds more than last time. Throws LocalizedError, and Abandoned once
+    /// `stop` is asked for: neither can be gone on from.
+    void advance(AudioFileReader &file, const std::stop_token &stop);
 
-    /// Hears the rest of the finished `file`. Throws the same, also when it ends too early.
-    void finish(AudioFileReader &file, const OnResult &onResult, const std::stop_token &stop);
+    /// Whether `file` begins with all that has been heard. Throws the same.
+    bool isOf(AudioFileReader &file, const std::stop_token &stop);
+
+    /// How many stretches with words are settled.
+    std::size_t settledCount() const { return results_.size(); }
+
+    /// Hears the rest of the finished `file`, and gives each stretch: those that are settled at
+    /// once, the others when they are. Throws the same, also when the file ends too early.
+    void finish(AudioFileReader &file, OnResult onResult, const std::stop_token &stop);
 
 private:
     /// Takes the next block; false when there is no whole one.
     bool take(AudioFileReader &file);
+    std::size_t readBlock(AudioFileReader &file, std::size_t &contents);
     /// Listens on as long as at least `leastSamples` are unheard.
-    void listen(std::size_t leastSamples, const OnResult &onResult, const std::stop_token &stop);
-    void recognize(VoiceSpan stretch, const OnResult &onResult, const std::stop_token &stop);
+    void listen(std::size_t leastSamples, const std::stop_token &stop);
+    void recognize(VoiceSpan stretch, const std::stop_token &stop);
     void forget();
     std::size_t end() const { return firstSample_ + samples_.size(); }
     std::span<const float> samples(std::size_t from, std::size_t to) const;
 
     const AudioFormat format_;
-    SpeechEngine &engine_;
+    const std::shared_ptr<KeptEngine> engine_;
     SpeechOptions options_;
     std::vector<float> block_;
     std::vector<float> mono_;
-    qint64 position_ = 0; ///< in frames of the file
+    qint64 position_ = 0;      ///< in frames of the file
+    std::size_t contents_ = 0; ///< a hash of the frames up to there
     Resampler resampler_;
     std::vector<float> samples_; ///< at 16 kHz, from `firstSample_` on
     std::size_t firstSample_ = 0;
@@ -49,6 +59,8 @@ private:
     std::size_t windowsCut_ = 0; ///< up to which window the cutter knows them
     StretchCutter cutter_;
     float gain_ = 1;
+    std::vector<SpeechAnalysisResult> results_;
+    OnResult onResult_;
 };
 
 } // namespace lorvane

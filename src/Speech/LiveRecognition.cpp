@@ -26,7 +26,7 @@ constexpr double contextKept = 3;
 } // namespace
 
 LiveRecognition::LiveRecognition(std::shared_ptr<LiveRequest> request,
-                                 std::shared_ptr<SpeechEngine> engine, RecognitionWorker &worker,
+                                 std::shared_ptr<KeptEngine> engine, RecognitionWorker &worker,
                                  std::stop_token cancellation, SpeechHandler handler)
     : request_(std::move(request)),
       engine_(std::move(engine)),
@@ -65,7 +65,7 @@ void LiveRecognition::work(std::stop_source &stop) {
 void LiveRecognition::listen(const std::stop_token &stop) {
     if (!resampler_) {
         resampler_.emplace(request_->sampleRate());
-        activity_.emplace(engine_->makeVoiceActivity());
+        activity_.emplace(engine_->use().makeVoiceActivity());
     }
     const std::span<const float> fresh = request_->from(position_);
     position_ += fresh.size();
@@ -85,8 +85,8 @@ void LiveRecognition::transcribe(const std::stop_token &stop) {
     for (const VoiceSpan &stretch : stretches) {
         const VoiceSpan open{std::max(stretch.start, settledEnd_), stretch.end};
         if (open.end > open.start)
-            words.append(
-                engine_->recognizeStretch(voice, open, liveModel, request_->options(), stop));
+            words.append(engine_->use().recognizeStretch(voice, open, engine_->size(),
+                                                         request_->options(), stop));
     }
     transcribedEnd_ = stretches.back().end;
     const bool isNews =

@@ -1,9 +1,8 @@
 #pragma once
 
+#include "Speech/KeptEngine.h"
 #include "Speech/LiveRequest.h"
-#include "Speech/RecognitionWorker.h"
 #include "Speech/Resampler.h"
-#include "Speech/SpeechEngine.h"
 
 #include <optional>
 
@@ -13,7 +12,7 @@ namespace lorvane {
 /// reports what has changed. It lives in its own jobs on the worker.
 class LiveRecognition : public std::enable_shared_from_this<LiveRecognition> {
 public:
-    LiveRecognition(std::shared_ptr<LiveRequest> request, std::shared_ptr<SpeechEngine> engine,
+    LiveRecognition(std::shared_ptr<LiveRequest> request, std::shared_ptr<KeptEngine> engine,
                     RecognitionWorker &worker, std::stop_token cancellation, SpeechHandler handler);
 
     /// Goes on until it is cancelled, the request is full or the engine fails.
@@ -29,7 +28,7 @@ private:
     void settle(VoiceSpan stretch);
 
     const std::shared_ptr<LiveRequest> request_;
-    const std::shared_ptr<SpeechEngine> engine_;
+    const std::shared_ptr<KeptEngine> engine_;
     RecognitionWorker &worker_;
     const std::stop_token cancellation_;
     const SpeechHandler handler_;

@@ -5,8 +5,10 @@
 
 namespace lorvane {
 
-/// The recogniser that runs on this machine: models in a folder, one thread that works with them.
-/// Finished files are recognised with the larger model, live audio with the smaller one.
+class SpeechResources;
+
+/// The recogniser that runs on this machine, with models in a folder: finished files are recognised
+/// with the larger model, live audio with the smaller one.
 class OnDeviceSpeech : public Speech {
 public:
     /// `modelsFolder` holds a folder for each language and "vad"; `audioFile` outlives this.
@@ -24,12 +26,14 @@ public:
     std::unique_ptr<SpeechAnalyzer> makeAnalyzer(const QString &localeIdentifier,
                                                  const QStringList &contextualStrings) override;
 
-private:
-    class Shared;
-    class Recognizer;
-    class Analyzer;
+    std::unique_ptr<SpeechTask> followRecording(const QString &path,
+                                                const QString &localeIdentifier,
+                                                const QStringList &contextualStrings) override;
 
-    std::shared_ptr<Shared> shared_;
+private:
+    class Recognizer;
+
+    std::shared_ptr<SpeechResources> resources_;
 };
 
 } // namespace lorvane

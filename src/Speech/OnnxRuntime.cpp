@@ -2,6 +2,7 @@
 
 #include "Core/LocalizedError.h"
 #include "Speech/Abandoned.h"
+#include "Speech/Turns.h"
 
 #include <QFile>
 
@@ -27,6 +28,7 @@ OnnxRuntime::OnnxRuntime(int threadCount) try : environment_(makeEnvironment(thr
 }
 
 Ort::Session OnnxRuntime::open(const QString &path) try {
+    const Turns::Turn turn({});
     Ort::SessionOptions options;
     options.DisablePerSessionThreads();
     // Keeps the output matrix of the decoder from being converted to floats at every token. The
@@ -43,6 +45,7 @@ std::vector<Ort::Value> run(Ort::Session &session, const std::vector<const char 
                             const std::vector<Ort::Value> &inputs,
                             const std::vector<const char *> &outputNames,
                             const std::stop_token &stop) {
+    const Turns::Turn turn(stop);
     Ort::RunOptions options;
     const std::stop_callback terminate(stop, [&options] { options.SetTerminate(); });
     if (stop.stop_requested())

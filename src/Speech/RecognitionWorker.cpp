@@ -2,8 +2,12 @@
 
 namespace lorvane {
 
-RecognitionWorker::RecognitionWorker()
-    : thread_([this](const std::stop_token &stop) { run(stop); }) {}
+RecognitionWorker::RecognitionWorker(Turns &turns, Urgency background, Now now)
+    : turns_(turns),
+      background_(background),
+      now_(std::move(now)),
+      urgency_(background),
+      thread_([this](const std::stop_token &stop) { run(stop); }) {}
 
 RecognitionWorker::~RecognitionWorker() {
     thread_.request_stop();
@@ -18,6 +22,13 @@ void RecognitionWorker::post(Job job) {
     changed_.notify_one();
 }
 
+void RecognitionWorker::postAfterBackground(Job job) {
+    const std::lock_guard lock(mutex_);
+    jobs_.push_back(std::move(job));
+    urgency_ = Urgency::awaited;
+    changed_.notify_one();
+}
+
 void RecognitionWorker::postInBackground(TimePoint time, Job job) {
     const std::lock_guard lock(mutex_);
     backgroundJobs_.emplace(time, std::move(job));
@@ -29,6 +40,7 @@ void RecognitionWorker::run(const std::stop_token &stop) {
         const std::lock_guard lock(mutex_);
         current_.request_stop();
     });
+    const Turns::Lane lane(turns_, urgency_);
     std::unique_lock lock(mutex_);
     while (!stop.stop_requested()) {
         Job job;
@@ -37,12 +49,12 @@ void RecognitionWorker::run(const std::stop_token &stop) {
             job = std::move(jobs_.front());
             jobs_.pop_front();
             currentIsBackground_ = false;
+            urgency_ = Urgency::awaited;
         } else if (earliest == backgroundJobs_.end()) {
             changed_.wait(lock, stop,
                           [this] { return !jobs_.empty() || !backgroundJobs_.empty(); });
             continue;
-        } else if (const TimePoint time = earliest->first;
-                   time > std::chrono::steady_clock::now()) {
+        } else if (const TimePoint time = earliest->first; time > now_()) {
             changed_.wait_until(lock, stop, time, [this, time] {
                 return !jobs_.empty() || backgroundJobs_.begin()->first < time;
             });
@@ -51,6 +63,7 @@ void RecognitionWorker::run(const std::stop_token &stop) {
             job = std::move(earliest->second);
             backgroundJobs_.erase(earliest);
             currentIsBackground_ = true;
+            urgency_ = background_;
         }
         current_ = std::stop_source();
         std::stop_source source = current_;

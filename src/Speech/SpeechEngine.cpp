@@ -17,6 +17,11 @@ void SpeechEngine::load(const QString &size) {
     model(size);
 }
 
+void SpeechEngine::unload() {
+    models_.clear();
+    tokens_.reset();
+}
+
 VoiceActivity SpeechEngine::makeVoiceActivity() {
     if (!voiceActivity_)
         voiceActivity_ = std::make_unique<VoiceActivityModel>(runtime_, voiceActivityPath_);

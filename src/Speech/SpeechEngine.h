@@ -23,6 +23,9 @@ public:
     /// Loads what is not loaded yet of a size such as "base". Throws LocalizedError.
     void load(const QString &size);
 
+    /// Gives the memory of the models back, until they are needed again.
+    void unload();
+
     /// Throws LocalizedError.
     VoiceActivity makeVoiceActivity();
 

@@ -85,6 +85,14 @@ public:
         SpeechAnalyzer::OnEnd onEnd_;
     };
 
+    /// One recording that the program had followed.
+    struct Following {
+        QString path;
+        QString localeIdentifier;
+        QStringList contextualStrings;
+        bool isCancelled = false; ///< by `cancel` or because its task is gone
+    };
+
     using RequestPointer = std::shared_ptr<Request>;
     using AnalysisPointer = std::shared_ptr<Analysis>;
 
@@ -116,6 +124,7 @@ public:
     QStringList requestedLocales;
     std::vector<RequestPointer> requests; ///< those given to `recognize`
     std::vector<AnalysisPointer> analyses;
+    std::vector<std::shared_ptr<Following>> followings;
 
     std::vector<RequestPointer> liveRequests() const { return select(true); }
     std::vector<RequestPointer> fileRequests() const { return select(false); }
@@ -138,6 +147,16 @@ public:
         return std::make_unique<Analyzer>(*this, analyses.back());
     }
 
+    std::unique_ptr<SpeechTask> followRecording(const QString &path,
+                                                const QString &localeIdentifier,
+                                                const QStringList &contextualStrings) override {
+        if (!hasAnalyzer)
+            return nullptr;
+        followings.push_back(
+            std::make_shared<Following>(Following{path, localeIdentifier, contextualStrings}));
+        return std::make_unique<RunningTask<Following>>(followings.back());
+    }
+
 private:
     class BufferRequest : public SpeechBufferRequest {
     public:
@@ -154,14 +173,15 @@ private:
         RequestPointer request_;
     };
 
+    template <class Running>
     class RunningTask : public SpeechTask {
     public:
-        explicit RunningTask(RequestPointer request) : request_(std::move(request)) {}
+        explicit RunningTask(std::shared_ptr<Running> request) : request_(std::move(request)) {}
         ~RunningTask() override { request_->isCancelled = true; }
         void cancel() override { request_->isCancelled = true; }
 
     private:
-        RequestPointer request_;
+        std::shared_ptr<Running> request_;
     };
 
     class Analyzer : public SpeechAnalyzer {
@@ -223,7 +243,7 @@ private:
         std::unique_ptr<SpeechTask> start(const RequestPointer &request, SpeechHandler handler) {
             request->handler_ = std::move(handler);
             speech_.requests.push_back(request);
-            auto task = std::make_unique<RunningTask>(request);
+            auto task = std::make_unique<RunningTask<Request>>(request);
             if (speech_.onRecognize)
                 speech_.onRecognize(request);
             return task;

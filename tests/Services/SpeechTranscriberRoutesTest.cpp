@@ -52,6 +52,24 @@ const QString tooShort =
     u"The final result was unexpectedly shorter than the live transcript; the audio was kept "
     "instead of accepting a potentially truncated result."_s;
 
+TEST_F(SpeechTranscriberRoutesTest, RecordingIsFollowedUntilItsOutcomeIsSettled) {
+    hints = {u"kubectl"_s};
+    record();
+    ASSERT_EQ(ports.speech.followings.size(), 1U);
+    const auto following = ports.speech.followings.back();
+    EXPECT_EQ(following->path, folder + u"/recording.caf"_s);
+    EXPECT_EQ(following->localeIdentifier, u"en-AU"_s);
+    EXPECT_EQ(following->contextualStrings, hints);
+    EXPECT_FALSE(following->isCancelled) << "the analysis goes on from it";
+    answerWhole(u"Hello, world."_s);
+    EXPECT_TRUE(following->isCancelled);
+
+    start();
+    EXPECT_FALSE(ports.speech.followings.back()->isCancelled);
+    transcriber.cancel();
+    EXPECT_TRUE(ports.speech.followings.back()->isCancelled);
+}
+
 TEST_F(SpeechTranscriberRoutesTest, InstalledModelGetsTheWholeFileAndNoChunkIsCut) {
     hints = {u"kubectl"_s};
     record();

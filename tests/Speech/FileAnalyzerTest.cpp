@@ -1,4 +1,4 @@
-#include "Core/LocalizedError.h"
+#include "Speech/AnalysisListener.h"
 #include "Speech/DecodedAudio.h"
 #include "Speech/Prompts.h"
 #include "Speech/SpeechListener.h"
@@ -8,72 +8,8 @@
 
 #include <QFile>
 
-#include <fstream>
-#include <unistd.h>
-
 namespace lorvane {
 namespace {
-
-constexpr std::size_t sampleRate = 16000;
-
-/// Collects what an analyser says, and waits for its end.
-class AnalysisListener {
-public:
-    struct Heard {
-        std::vector<SpeechAnalysisResult> results;
-        std::optional<QString> error;
-        int ends = 0;
-        int resultsAfterTheEnd = 0;
-
-        QString text() const {
-            QStringList texts;
-            for (const SpeechAnalysisResult &result : results)
-                texts.append(result.text);
-            return texts.join(u' ');
-        }
-    };
-
-    void start(
-        SpeechAnalyzer &analyzer, const QString &path, std::function<void()> onResult = [] {}) {
-        analyzer.start(
-            path,
-            [state = state_, onResult](const SpeechAnalysisResult &result) {
-                onResult();
-                const std::lock_guard lock(state->mutex);
-                state->heard.results.push_back(result);
-                state->heard.resultsAfterTheEnd += state->heard.ends;
-                state->changed.notify_all();
-            },
-            [state = state_](const std::optional<QString> &error) {
-                const std::lock_guard lock(state->mutex);
-                state->heard.error = error;
-                ++state->heard.ends;
-                state->changed.notify_all();
-            });
-    }
-
-    template <class Condition>
-    bool waitFor(Condition condition) {
-        std::unique_lock lock(state_->mutex);
-        return state_->changed.wait_for(lock, std::chrono::minutes(1),
-                                        [&] { return condition(state_->heard); });
-    }
-    bool waitForEnd() {
-        return waitFor([](const Heard &heard) { return heard.ends > 0; });
-    }
-    Heard heard() const {
-        const std::lock_guard lock(state_->mutex);
-        return state_->heard;
-    }
-
-private:
-    struct State {
-        std::mutex mutex;
-        std::condition_variable changed;
-        Heard heard;
-    };
-    std::shared_ptr<State> state_ = std::make_shared<State>();
-};
 
 std::unique_ptr<SpeechAnalyzer> makeAnalyzer() {
     return realSpeech().makeAnalyzer(u"en-AU"_qs, {});
@@ -85,22 +21,6 @@ AnalysisListener::Heard analyze(const QString &path) {
     listener.start(*analyzer, path);
     EXPECT_TRUE(listener.waitForEnd());
     return listener.heard();
-}
-
-void append(std::vector<float> &samples, const std::vector<float> &more) {
-    samples.insert(samples.end(), more.begin(), more.end());
-}
-
-/// Prompts with pauses of a second and a half, and what they say.
-std::pair<std::vector<float>, QString> speech(double seconds) {
-    std::vector<float> samples;
-    QStringList said;
-    for (std::size_t i = 0; static_cast<double>(samples.size()) < seconds * sampleRate; i += 3) {
-        append(samples, decodedAudio(prompts()[i].path));
-        samples.resize(samples.size() + sampleRate * 3 / 2);
-        said.append(prompts()[i].transcript);
-    }
-    return {samples, said.join(u' ')};
 }
 
 TEST(FileAnalyzer, GivesTheStretchesOfALongRecordingInOrder) {
@@ -208,20 +128,12 @@ TEST(FileAnalyzer, IsThereOnlyWhereAModelIsInstalled) {
     EXPECT_FALSE(OnDeviceSpeech(audioFile, u"/nowhere"_qs).makeAnalyzer(u"en-US"_qs, {}));
 }
 
-qint64 residentBytes() {
-    std::ifstream statm("/proc/self/statm");
-    qint64 total = 0;
-    qint64 resident = 0;
-    statm >> total >> resident;
-    return resident * sysconf(_SC_PAGESIZE);
-}
-
 TEST(FileAnalyzer, NeedsNoMoreMemoryForALongRecording) {
     const std::vector<float> sentence = decodedAudio(promptPath(u"vm-nobox"_qs));
     const auto recording = [&](int minutes) {
         std::vector<float> samples;
         for (int i = 0; i < minutes * 2; ++i) {
-            append(samples, sentence);
+            samples.insert(samples.end(), sentence.begin(), sentence.end());
             samples.resize(static_cast<std::size_t>(i + 1) * 30 * sampleRate);
         }
         return writeAudio(samples);

@@ -10,6 +10,8 @@ namespace {
 
 using TimePoint = RecognitionWorker::TimePoint;
 
+Turns turns(1);
+
 /// Returns when the source of a job is asked to stop.
 void waitForStop(std::stop_source &stop) {
     std::promise<void> stopped;
@@ -18,7 +20,7 @@ void waitForStop(std::stop_source &stop) {
 }
 
 TEST(RecognitionWorker, RunsJobsInTheirOrderAndBackgroundJobsAfterThem) {
-    RecognitionWorker worker;
+    RecognitionWorker worker(turns, Urgency::preview);
     std::promise<void> release;
     std::promise<void> done;
     std::string order;
@@ -35,7 +37,7 @@ TEST(RecognitionWorker, RunsJobsInTheirOrderAndBackgroundJobsAfterThem) {
 }
 
 TEST(RecognitionWorker, StopsABackgroundJobWhenAnotherJobComes) {
-    RecognitionWorker worker;
+    RecognitionWorker worker(turns, Urgency::preview);
     std::promise<void> running;
     std::promise<void> done;
     worker.postInBackground(TimePoint(), [&](std::stop_source &stop) {
@@ -51,7 +53,7 @@ TEST(RecognitionWorker, StopsABackgroundJobWhenAnotherJobComes) {
 }
 
 TEST(RecognitionWorker, LetsAJobFinishWhenAnotherComes) {
-    RecognitionWorker worker;
+    RecognitionWorker worker(turns, Urgency::preview);
     std::promise<void> running;
     std::promise<void> posted;
     std::promise<bool> stopped;
@@ -66,8 +68,57 @@ TEST(RecognitionWorker, LetsAJobFinishWhenAnotherComes) {
     EXPECT_FALSE(stopped.get_future().get());
 }
 
+TEST(RecognitionWorker, LetsABackgroundJobFinishThatIsWaitedFor) {
+    RecognitionWorker worker(turns, Urgency::preview);
+    std::promise<void> running;
+    std::promise<void> posted;
+    std::promise<void> done;
+    std::string order;
+    worker.postInBackground(TimePoint(), [&](std::stop_source &stop) {
+        running.set_value();
+        posted.get_future().wait();
+        order += stop.stop_requested() ? 'x' : 'a';
+    });
+    running.get_future().wait();
+    worker.postAfterBackground([&](std::stop_source &) {
+        order += 'b';
+        done.set_value();
+    });
+    posted.set_value();
+    done.get_future().wait();
+    EXPECT_EQ(order, "ab");
+}
+
+TEST(RecognitionWorker, RunsBackgroundJobsByTheTimeItIsGiven) {
+    std::atomic<std::chrono::minutes> past{std::chrono::minutes(0)};
+    const TimePoint start = TimePoint::clock::now();
+    RecognitionWorker worker(turns, Urgency::preview, [&] { return start + past.load(); });
+    std::promise<void> done;
+    std::string order;
+    worker.postInBackground(start + std::chrono::minutes(10), [&](std::stop_source &) {
+        order += 'b';
+        done.set_value();
+    });
+    const auto wake = [&] {
+        std::promise<void> awake;
+        worker.post([&](std::stop_source &) {
+            order += 'a';
+            awake.set_value();
+        });
+        awake.get_future().wait();
+    };
+    past = std::chrono::minutes(9);
+    wake();
+    wake();
+    EXPECT_EQ(order, "aa");
+    past = std::chrono::minutes(10);
+    wake();
+    done.get_future().wait();
+    EXPECT_EQ(order, "aaab");
+}
+
 TEST(RecognitionWorker, RunsBackgroundJobsByTheirTime) {
-    RecognitionWorker worker;
+    RecognitionWorker worker(turns, Urgency::preview);
     std::promise<void> release;
     std::promise<void> done;
     std::string order;
@@ -88,7 +139,7 @@ TEST(RecognitionWorker, StopsTheRunningJobAndForgetsTheOthersAtItsEnd) {
     bool ran = false;
     std::promise<void> running;
     {
-        RecognitionWorker worker;
+        RecognitionWorker worker(turns, Urgency::preview);
         worker.post([&](std::stop_source &stop) {
             running.set_value();
             waitForStop(stop);

@@ -1,0 +1,149 @@
+#include "Speech/FollowedRecording.h"
+#include "Speech/AnalysisListener.h"
+#include "Speech/RealEngine.h"
+#include "Speech/SpeechListener.h"
+
+#include <random>
+
+namespace lorvane {
+
+bool operator==(const SpeechAnalysisResult &a, const SpeechAnalysisResult &b) {
+    return a.text == b.text && a.start == b.start && a.duration == b.duration;
+}
+
+void PrintTo(const SpeechAnalysisResult &result, std::ostream *stream) {
+    *stream << result.start << " + " << result.duration << ": " << qPrintable(result.text);
+}
+
+namespace {
+
+constexpr int rate = 44100;
+
+using Results = std::vector<SpeechAnalysisResult>;
+
+/// A recording of half a minute that is written to a file in pieces.
+class FollowedRecordingTest : public testing::Test {
+protected:
+    FollowedRecordingTest() {
+        std::vector<float> voice;
+        for (const auto *name : {u"vm-nobox", u"demo-nogo", u"queue-youarenext", u"vm-nobox"}) {
+            const std::vector<float> prompt =
+                decodedAudio(promptPath(QString::fromUtf16(name)), rate);
+            voice.insert(voice.end(), prompt.begin(), prompt.end());
+            voice.resize(voice.size() + 9 * rate / 2);
+        }
+        for (const float sample : voice)
+            samples_.insert(samples_.end(), 2, sample);
+        writer_ = audioFile_.openForWriting(path_, {rate, 2});
+    }
+
+    bool isWritten() const { return written_ == samples_.size(); }
+    void write(double seconds) {
+        const auto wanted = static_cast<std::size_t>(seconds * rate) * 2;
+        const std::size_t count = std::min(wanted, samples_.size() - written_);
+        writer_->write({samples_.data() + written_, static_cast<qsizetype>(count / 2), 2});
+        written_ += count;
+    }
+    Results finish(FileAnalysis &analysis) {
+        Results results;
+        const auto file = audioFile_.openForReading(path_);
+        analysis.finish(*file,
+                        [&](const SpeechAnalysisResult &result) { results.push_back(result); }, {});
+        return results;
+    }
+    Results freshResults() {
+        const auto file = audioFile_.openForReading(path_);
+        FileAnalysis analysis(file->format(), real_.engine, {});
+        return finish(analysis);
+    }
+    std::shared_ptr<FollowedRecording> follow() {
+        const auto followed = std::make_shared<FollowedRecording>(
+            audioFile_, real_.worker, real_.engine, path_, QStringList());
+        followed->start();
+        return followed;
+    }
+
+    SndfileAudioFile audioFile_;
+    std::vector<float> samples_; ///< interleaved
+    const QString path_ = writeAudio({});
+    std::unique_ptr<AudioFileWriter> writer_;
+    std::size_t written_ = 0;
+    RealEngine real_{QStringLiteral("tiny")};
+};
+
+TEST_F(FollowedRecordingTest, GivesBitForBitWhatTheFinishedFileGives) {
+    const unsigned seed = std::random_device()();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random(seed);
+    std::exponential_distribution<double> seconds(1);
+    const auto followed = follow();
+    while (!isWritten()) {
+        write(seconds(random));
+        real_.pass(std::chrono::seconds(1));
+    }
+    writer_.reset();
+    std::unique_ptr<FileAnalysis> analysis;
+    real_.run([&](const std::stop_token &) { analysis = followed->take(); });
+    ASSERT_TRUE(analysis);
+    EXPECT_GE(analysis->settledCount(), 2U) << "nothing was done ahead";
+    EXPECT_TRUE(analysis->isOf(*audioFile_.openForReading(path_), {}));
+    const Results fresh = freshResults();
+    EXPECT_GE(fresh.size(), 3U);
+    EXPECT_EQ(finish(*analysis), fresh);
+}
+
+TEST_F(FollowedRecordingTest, NoticesThatTheFileIsAnother) {
+    write(20);
+    const auto followed = follow();
+    real_.pass(std::chrono::seconds(1));
+    std::unique_ptr<FileAnalysis> analysis;
+    real_.run([&](const std::stop_token &) { analysis = followed->take(); });
+    ASSERT_TRUE(analysis);
+    EXPECT_TRUE(analysis->isOf(*audioFile_.openForReading(path_), {}));
+    samples_[rate] += 0.01F;
+    written_ = 0;
+    writer_.reset();
+    writer_ = audioFile_.openForWriting(path_, {rate, 2});
+    write(20);
+    EXPECT_FALSE(analysis->isOf(*audioFile_.openForReading(path_), {}));
+    writer_.reset();
+    audioFile_.openForWriting(path_, {rate, 1})->write({samples_.data(), 30 * rate, 1});
+    EXPECT_FALSE(analysis->isOf(*audioFile_.openForReading(path_), {}));
+}
+
+TEST_F(FollowedRecordingTest, IsOverWhenItIsCancelledOrTheFileCannotBeRead) {
+    const auto followed = follow();
+    write(20);
+    followed->cancel();
+    real_.pass(std::chrono::seconds(1));
+    real_.run([&](const std::stop_token &) { EXPECT_FALSE(followed->take()); });
+
+    const auto absent = std::make_shared<FollowedRecording>(
+        audioFile_, real_.worker, real_.engine, u"/nowhere/recording.caf"_qs, QStringList());
+    absent->start();
+    real_.pass(std::chrono::seconds(1));
+    EXPECT_EQ(absent.use_count(), 1);
+}
+
+TEST_F(FollowedRecordingTest, IsTakenUpByTheAnalyserOfItsFile) {
+    const auto results = [&](const QString &path) {
+        AnalysisListener listener;
+        const auto analyzer = realSpeech().makeAnalyzer(u"en-AU"_qs, {});
+        listener.start(*analyzer, path);
+        EXPECT_TRUE(listener.waitForEnd());
+        EXPECT_EQ(listener.heard().error.value_or(QString()), QString());
+        return listener.heard().results;
+    };
+    auto following = realSpeech().followRecording(path_, u"en-AU"_qs, {});
+    ASSERT_TRUE(following);
+    while (!isWritten())
+        write(1);
+    writer_.reset();
+    const Results ahead = results(path_);
+    following.reset();
+    EXPECT_EQ(ahead, results(path_));
+    EXPECT_GE(ahead.size(), 3U);
+}
+
+} // namespace
+} // namespace lorvane
