@@ -5,6 +5,8 @@ import Lorvane
 LorButton {
     id: button
 
+    property string symbol: ""
+
     horizontalPadding: 18
     verticalPadding: 11
     font.pixelSize: 13
@@ -17,13 +19,9 @@ LorButton {
         color: LorPalette.translucent(LorPalette.accent, button.down ? 0.75 : 1)
     }
 
-    contentItem: Text {
-        text: button.text
-        font: button.font
+    contentItem: LorButtonLabel {
+        button: button
+        symbol: button.symbol
         color: "white"
-        textFormat: Text.PlainText
-        horizontalAlignment: Text.AlignHCenter
-        verticalAlignment: Text.AlignVCenter
-        Accessible.ignored: true
     }
 }

@@ -16,6 +16,10 @@ Item {
     readonly property real maximumHeight: maximumLineCount * lineHeight - lineSpacing
     readonly property bool truncated: maximumLineCount > 0 && edit.lineCount > maximumLineCount
 
+    function deselect() {
+        edit.deselect();
+    }
+
     implicitWidth: edit.implicitWidth
     // The document has the spacing below its last line, too.
     implicitHeight: truncated ? maximumHeight : edit.contentHeight - lineSpacing
@@ -28,7 +32,7 @@ Item {
         radius: 4
         color: "transparent"
         border.width: 2
-        border.color: LorPalette.translucent(LorPalette.accent, 0.6)
+        border.color: LorPalette.focus
     }
 
     TextEdit {

@@ -18,6 +18,7 @@ const QHash<QString, QString> &files() {
         {u"checkmark.circle.fill"_qs, u"check-circle-fill"_qs},
         {u"chevron.up.chevron.down"_qs, u"chevron-expand"_qs},
         {u"circle"_qs, u"circle"_qs},
+        {u"clock"_qs, u"clock"_qs},
         {u"clock.arrow.circlepath"_qs, u"clock-history"_qs},
         {u"doc.on.doc"_qs, u"files"_qs},
         {u"ellipsis"_qs, u"three-dots"_qs},

@@ -19,17 +19,17 @@ QtObject {
         {
             title: "History",
             icon: "clock.arrow.circlepath",
-            source: ""
+            source: Qt.resolvedUrl("../Dictation/LorHistoryView.qml")
         },
         {
             title: "Dictionary",
             icon: "character.book.closed",
-            source: ""
+            source: Qt.resolvedUrl("../Library/LorDictionaryView.qml")
         },
         {
             title: "Snippets",
             icon: "text.bubble",
-            source: ""
+            source: Qt.resolvedUrl("../Library/LorSnippetsView.qml")
         },
         {
             title: "Scratchpad",

@@ -1,0 +1,50 @@
+import QtQuick
+import QtQuick.Controls
+import Lorvane
+import Lorvane.Models
+
+// A page around a list that may be long: only what can be seen of it is built, and is used again
+// while it scrolls. Head and foot, both a LorListSection, scroll with the list.
+ListView {
+    id: page
+
+    readonly property int padding: 36
+    readonly property int maximumWidth: 1050
+    // From the page's edge to the centred stack.
+    readonly property real inset: padding + Math.max(0, (width - maximumWidth) / 2)
+
+    topMargin: padding
+    bottomMargin: padding
+    boundsBehavior: Flickable.StopAtBounds
+    clip: true
+    reuseItems: true
+    cacheBuffer: 0
+    currentIndex: -1
+    keyNavigationEnabled: false
+
+    // Gives the focus to a row, after what had it is gone.
+    function focusRow(row: int, reason: int) {
+        if (count === 0) {
+            forceActiveFocus();
+            return;
+        }
+        const near = Math.min(row, count - 1);
+        forceLayout();
+        positionViewAtIndex(near, ListView.Contain);
+        itemAtIndex(near).takeFocus(reason);
+    }
+
+    Keys.onPressed: event => scrolling.handle(event)
+
+    ScrollBar.vertical: ScrollBar {}
+
+    LorScrolling {
+        id: scrolling
+        page: page
+        content: page.contentItem
+    }
+
+    ReadingOrder {
+        content: page.contentItem
+    }
+}

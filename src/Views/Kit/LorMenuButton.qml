@@ -1,0 +1,37 @@
+import QtQuick
+import QtQuick.Templates as T
+import Lorvane
+
+// A borderless button that opens a menu of one column below itself.
+LorPlainButton {
+    id: button
+
+    default property alias entries: menu.contentData
+
+    showsText: false
+    onClicked: menu.opened ? menu.close() : menu.popup(button, 0, button.height + 4)
+
+    T.Menu {
+        id: menu
+
+        implicitWidth: contentItem.implicitWidth + 2 * padding
+        implicitHeight: contentItem.contentHeight + 2 * padding
+        padding: 5
+        margins: 8
+
+        background: Rectangle {
+            radius: 8
+            color: "white"
+            border.width: 1
+            border.color: LorPalette.outline
+        }
+
+        contentItem: ListView {
+            implicitWidth: contentItem.childrenRect.width
+            implicitHeight: contentHeight
+            model: menu.contentModel
+            currentIndex: menu.currentIndex
+            interactive: false
+        }
+    }
+}

@@ -1,0 +1,39 @@
+import QtQuick
+import QtQuick.Templates as T
+import Lorvane
+
+// An entry of a LorMenuButton.
+T.MenuItem {
+    id: item
+
+    property bool destructive: false
+
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+    horizontalPadding: 10
+    verticalPadding: 6
+    font.pixelSize: 13
+    opacity: enabled ? 1 : 0.5
+    Accessible.role: Accessible.MenuItem
+    Accessible.name: text
+    Accessible.onPressAction: {
+        if (!item.enabled)
+            return;
+        item.menu.close();
+        item.triggered();
+    }
+
+    background: Rectangle {
+        radius: 5
+        color: item.highlighted && item.enabled ? LorPalette.sidebar : "transparent"
+    }
+
+    contentItem: Text {
+        text: item.text
+        font: item.font
+        color: item.destructive ? LorPalette.red : LorPalette.ink
+        textFormat: Text.PlainText
+        verticalAlignment: Text.AlignVCenter
+        Accessible.ignored: true
+    }
+}

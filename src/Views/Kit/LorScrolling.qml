@@ -1,0 +1,56 @@
+import QtQuick
+
+// What makes a page follow the keyboard: it scrolls by the arrow keys, and what takes the focus is
+// brought into view.
+Item {
+    id: scrolling
+
+    required property Flickable page
+    // What the focus has to be in.
+    required property Item content
+
+    property int margin: 36
+    readonly property real firstPosition: page.originY - page.topMargin
+    readonly property real lastPosition: Math.max(firstPosition, page.originY + page.contentHeight
+                                                 + page.bottomMargin - page.height)
+
+    function scrollTo(position: real) {
+        page.contentY = Math.max(firstPosition, Math.min(lastPosition, position));
+    }
+
+    function reveal(item: Item) {
+        const start = item.mapToItem(page.contentItem, 0, 0).y - margin;
+        const end = start + item.height + 2 * margin;
+        if (start < page.contentY)
+            scrollTo(start);
+        else if (end > page.contentY + page.height)
+            scrollTo(Math.min(start, end - page.height));
+    }
+
+    function handle(event: KeyEvent) {
+        const steps = {
+            [Qt.Key_Up]: -40,
+            [Qt.Key_Down]: 40,
+            [Qt.Key_PageUp]: -page.height * 0.9,
+            [Qt.Key_PageDown]: page.height * 0.9
+        };
+        if (!(event.key in steps))
+            return;
+        scrollTo(page.contentY + steps[event.key]);
+        event.accepted = true;
+    }
+
+    Connections {
+        target: scrolling.page.Window.window
+
+        function onActiveFocusItemChanged() {
+            const item = scrolling.page.Window.activeFocusItem;
+            for (let parent = item; parent; parent = parent.parent) {
+                if (parent === scrolling.content) {
+                    scrolling.reveal(item);
+                    return;
+                }
+            }
+        }
+    }
+}

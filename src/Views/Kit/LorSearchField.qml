@@ -1,0 +1,68 @@
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Lorvane
+
+// A field to search with, which a button of its own empties.
+Rectangle {
+    id: search
+
+    required property string placeholder
+    property alias text: field.text
+
+    Layout.fillWidth: true
+    implicitHeight: row.implicitHeight + 22
+    radius: 9
+    color: "white"
+    border.width: field.activeFocus ? 2 : 1
+    border.color: field.activeFocus ? LorPalette.focus : LorPalette.line
+
+    RowLayout {
+        id: row
+
+        anchors.fill: parent
+        anchors.margins: 11
+        spacing: 8
+
+        LorSymbol {
+            name: "magnifyingglass"
+            size: 13
+            color: LorPalette.muted
+        }
+
+        T.TextField {
+            id: field
+
+            Layout.fillWidth: true
+            implicitHeight: contentHeight
+            color: LorPalette.ink
+            font.pixelSize: 12
+            selectByMouse: true
+            selectionColor: LorPalette.accent
+            selectedTextColor: "white"
+            placeholderText: search.placeholder
+            Accessible.name: search.placeholder
+            Keys.onEscapePressed: event => {
+                event.accepted = text !== "";
+                clear();
+            }
+
+            LorPlaceholder {
+                anchors.fill: parent
+                field: field
+            }
+        }
+
+        LorPlainButton {
+            visible: field.text !== ""
+            text: "Clear search"
+            symbol: "xmark.circle.fill"
+            showsText: false
+            color: LorPalette.muted
+            onClicked: {
+                field.clear();
+                field.forceActiveFocus();
+            }
+        }
+    }
+}

@@ -1,0 +1,39 @@
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Lorvane
+
+// A line of text with a rounded border.
+T.TextField {
+    id: field
+
+    required property string label
+
+    Layout.fillWidth: true
+    implicitHeight: contentHeight + topPadding + bottomPadding
+    leftPadding: 8
+    rightPadding: 8
+    topPadding: 5
+    bottomPadding: 5
+    color: LorPalette.ink
+    font.pixelSize: 13
+    selectByMouse: true
+    selectionColor: LorPalette.accent
+    selectedTextColor: "white"
+    Accessible.name: label
+
+    background: Rectangle {
+        radius: 6
+        color: "white"
+        border.width: field.activeFocus ? 2 : 1
+        border.color: field.activeFocus ? LorPalette.focus : LorPalette.outline
+    }
+
+    LorPlaceholder {
+        anchors.fill: parent
+        anchors.leftMargin: field.leftPadding
+        anchors.rightMargin: field.rightPadding
+        verticalAlignment: Text.AlignVCenter
+        field: field
+    }
+}
