@@ -7,7 +7,7 @@ from gi.repository import Gio, GLib
 
 from .session import call
 
-FOCUSED, SHOWING, SENSITIVE = 12, 25, 24  # numbers of AtspiStateType
+CHECKED, FOCUSED, SENSITIVE, SHOWING = 4, 12, 24, 25  # numbers of AtspiStateType
 _TEXT = "org.a11y.atspi.Text"
 _ACTION = "org.a11y.atspi.Action"
 _ACCESSIBLE = "org.a11y.atspi.Accessible"
@@ -76,6 +76,10 @@ class Element:
     def name(self):
         return self._call(_PROPERTIES, "Get", GLib.Variant("(ss)", (_ACCESSIBLE, "Name")))[0]
 
+    def description(self):
+        return self._call(_PROPERTIES, "Get",
+                          GLib.Variant("(ss)", (_ACCESSIBLE, "Description")))[0]
+
     def role(self):
         return self._call(_ACCESSIBLE, "GetRoleName")[0]
 
@@ -87,8 +91,12 @@ class Element:
         return self._call(_TEXT, "GetText", GLib.Variant("(ii)", (0, -1)))[0]
 
     def press(self):
-        """The first action of the element, as a screen reader's user would choose it."""
-        done, = self._call(_ACTION, "DoAction", GLib.Variant("(i)", (0,)))
+        """The first action of the element, as a screen reader's user would choose it. To take the
+        focus is none."""
+        actions, = self._call(_ACTION, "GetActions")
+        names = [name for name, *_ in actions]
+        index = next(i for i, name in enumerate(names) if name != "SetFocus")
+        done, = self._call(_ACTION, "DoAction", GLib.Variant("(i)", (index,)))
         if not done:
             raise RuntimeError(f"{self} refused to be pressed")
 

@@ -46,12 +46,12 @@ class Lorvane:
         if self.process.poll() is not None:
             raise RuntimeError(f"Lorvane ended with {self.process.returncode}; "
                                f"{self._session.output}/lorvane.log tells why")
-        root = accessibility.application(self._session, self.process)
-        return root and root.find("Lorvane", role="frame|window")
+        self.application = accessibility.application(self._session, self.process)
+        return self.application and self.application.find("Lorvane", role="frame|window")
 
     def press(self, button):
-        """Presses a button by its accessibility action."""
-        until(lambda: self.window.find(button, states=(SHOWING, SENSITIVE)), 5,
+        """Presses a button of any window by its accessibility action."""
+        until(lambda: self.application.find(button, states=(SHOWING, SENSITIVE)), 5,
               f"the button “{button}”").press()
 
     def message(self):
