@@ -2,6 +2,7 @@
 so that no answer is older than the question."""
 
 import re
+from pathlib import Path
 
 from gi.repository import Gio, GLib
 
@@ -9,14 +10,16 @@ from .session import call
 
 CHECKED, FOCUSED, SENSITIVE, SHOWING = 4, 12, 24, 25  # numbers of AtspiStateType
 _TEXT = "org.a11y.atspi.Text"
+_COMPONENT = "org.a11y.atspi.Component"
 _ACTION = "org.a11y.atspi.Action"
 _ACCESSIBLE = "org.a11y.atspi.Accessible"
 _PROPERTIES = "org.freedesktop.DBus.Properties"
 
 
 def application(session, process):
-    """The root element of a process; None while it isn't on the bus."""
+    """The root element of a process, or of one that it started; None while it isn't on the bus."""
     bus = session.accessibility_bus
+    family = set(with_descendants(process.pid))
     root = Element(bus, "org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
     for child in root.children():
         try:
@@ -24,7 +27,8 @@ def application(session, process):
                         "GetConnectionUnixProcessID", GLib.Variant("(s)", (child.owner,)))
         except GLib.Error:
             continue
-        if pid == process.pid:
+        if pid in family:
+            child.pid = pid
             return child
     return None
 
@@ -54,6 +58,17 @@ class Focus:
             return ""
 
 
+def with_descendants(pid):
+    yield pid
+    for thread in Path(f"/proc/{pid}/task").glob("*/children"):
+        try:
+            children = thread.read_text().split()
+        except OSError:
+            continue
+        for child in children:
+            yield from with_descendants(int(child))
+
+
 class Element:
     """One element of an application. It may be gone by the next question: GLib.Error then."""
 
@@ -61,7 +76,8 @@ class Element:
         self.bus, self.owner, self.path = bus, owner, path
 
     def __eq__(self, other):
-        return (self.owner, self.path) == (other.owner, other.path)
+        return (isinstance(other, Element)
+                and (self.owner, self.path) == (other.owner, other.path))
 
     def __repr__(self):
         return f"{self.role()} “{self.name()}”"
@@ -89,6 +105,16 @@ class Element:
 
     def text(self):
         return self._call(_TEXT, "GetText", GLib.Variant("(ii)", (0, -1)))[0]
+
+    def grab_focus(self):
+        return self._call(_COMPONENT, "GrabFocus")[0]
+
+    def middle(self):
+        """The point in its middle, on the screen."""
+        on_screen = 0
+        (x, y, width, height), = self._call(_COMPONENT, "GetExtents",
+                                            GLib.Variant("(u)", (on_screen,)))
+        return x + width // 2, y + height // 2
 
     def press(self):
         """The first action of the element, as a screen reader's user would choose it. To take the

@@ -10,22 +10,54 @@ from .session import run
 from .waiting import until
 
 PAGE = """<!doctype html><title>Notes</title>
-<textarea autofocus rows=20 cols=80 aria-label="Notes"></textarea>
+<textarea autofocus rows=12 cols=60 aria-label="Notes"></textarea>
+<textarea rows=2 cols=60 aria-label="Other"></textarea>
 """
 
 
 class Editor:
-    """A running editor. `field` is the element that holds the text."""
+    """A running editor, in front. `field` is the element that holds the text, `pid` the process
+    that shows it."""
 
     def __init__(self, session, name, command, role):
         self.name = name
         self._session = session
-        self._process = session.spawn(name, *command)
-        self.field = until(lambda: self._focused(role), 40, f"{name} with the cursor in its text")
+        self.process = session.spawn(name, *command)
+        self.field = until(lambda: self._focused(role), 60, f"{name} with the cursor in its text")
+        self.window = run("xdotool", "getactivewindow").strip()
 
-    def _focused(self, role):
-        root = accessibility.application(self._session, self._process)
-        return root and root.find(role=role, states=[accessibility.FOCUSED])
+    def _root(self):
+        root = accessibility.application(self._session, self.process)
+        if root:
+            self.pid = root.pid
+        return root
+
+    def _focused(self, role, besides=None):
+        root = self._root()
+        found = root and root.find(role=role, states=[accessibility.FOCUSED])
+        return found if found != besides else None
+
+    def other_field(self):
+        """Another field of the same window, from then on to be seen: the one to search in, or the
+        second of the page."""
+        if self.name == "chromium":
+            return self._root().find("Other", role="entry")
+        run("xdotool", "key", "ctrl+f", check=True)
+        return until(lambda: self._focused("text|entry", besides=self.field), 10,
+                     f"the search field of {self.name}")
+
+    def focus(self, element=None):
+        """Brings the editor forward, with the cursor in its text or in another field."""
+        element = element or self.field
+        run("xdotool", "windowactivate", "--sync", self.window, check=True)
+
+        def has_focus():
+            if element.has_state(accessibility.FOCUSED):
+                return True
+            element.grab_focus()
+            return False
+
+        until(has_focus, 10, f"the focus in {self.name}")
 
     def text(self):
         """The text as another program reads it over the accessibility bus."""
@@ -35,7 +67,7 @@ class Editor:
             return ""
 
     def close(self):
-        self._session.end(self._process)
+        self._session.end(self.process)
 
 
 def mousepad(session):
@@ -55,6 +87,13 @@ def chromium(session):
     return Editor(session, "chromium",
                   ["chromium", *shlex.split(flags), f"--user-data-dir={session.home}/chromium",
                    f"--app=file://{page}"], "entry|text")
+
+
+def writer(session):
+    return Editor(session, "writer",
+                  ["env", "SAL_USE_VCLPLUGIN=gtk3", "soffice",
+                   "--writer", "--norestore", "--nologo", "--nofirststartwizard",
+                   f"-env:UserInstallation=file://{session.home}/writer"], "paragraph")
 
 
 def clipboard():

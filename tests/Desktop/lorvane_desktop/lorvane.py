@@ -2,6 +2,7 @@
 
 import json
 import os
+import re
 from pathlib import Path
 
 from gi.repository import GLib
@@ -24,11 +25,15 @@ RELEASED_EARLY = ("Released before the microphone was ready. After granting perm
 
 
 class Lorvane:
-    """Starts the program with its grants given and waits until its window is usable."""
+    """Starts the program and waits until its window is usable. `answers` are the user's to the
+    questions for the microphone and for speech; at first both grants are given."""
 
-    def __init__(self, session, is_set_up=True, binary=BINARY):
-        session.grant("devices", "microphone", APPLICATION_ID)
-        session.grant("lorvane", "speech-recognition", APPLICATION_ID)
+    def __init__(self, session, is_set_up=True, binary=BINARY,
+                 answers={"microphone": "yes", "speech": "yes"}):
+        if "microphone" in answers:
+            session.grant("devices", "microphone", APPLICATION_ID, answers["microphone"])
+        if "speech" in answers:
+            session.grant("lorvane", "speech-recognition", APPLICATION_ID, answers["speech"])
         self._session = session
         # As somebody who has been through the setup guide.
         settings = Path(os.environ["XDG_CONFIG_HOME"]) / "lorvane/lorvane.conf"
@@ -112,10 +117,20 @@ class Lorvane:
 
 def overlay_is_shown():
     """Whether the floating card is on the screen."""
+    return overlay_place() is not None
+
+
+def overlay_place():
+    """Where the floating card is on the screen: left, top, width and height; None if it isn't."""
     tree = run("xwininfo", "-root", "-tree")
     windows = [line.split()[0] for line in tree.splitlines()
                if '"Lorvane Recording Indicator"' in line]
-    return any("Map State: IsViewable" in run("xwininfo", "-id", window) for window in windows)
+    for window in windows:
+        about = run("xwininfo", "-id", window)
+        if "Map State: IsViewable" in about:
+            return tuple(int(re.search(f"{what}: +(-?[0-9]+)", about)[1]) for what in
+                         ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
+    return None
 
 
 def window_with_keys():

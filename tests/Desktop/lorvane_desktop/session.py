@@ -100,10 +100,10 @@ class Session:
     def spawn(self, name, *command, **options):
         """Starts a process that the session ends at its end. Its output goes to NAME.log."""
         with open(self.output / f"{name}.log", "ab") as log:
+            streams = {"stdin": subprocess.DEVNULL, "stdout": log, "stderr": log}
             # Should this process be killed, its children are too.
             process = subprocess.Popen(["setpriv", "--pdeathsig", "KILL", "--", *map(str, command)],
-                                       stdin=subprocess.DEVNULL, stdout=log, stderr=log,
-                                       start_new_session=True, **options)
+                                       start_new_session=True, **(streams | options))
         self._processes.append(process)
         self._named[name] = process
         return process
@@ -134,10 +134,23 @@ class Session:
 
     def grant(self, table, identifier, application, answer="yes"):
         """Writes a user's answer to a question for access where the desktop keeps such answers."""
-        call(self.bus, "org.freedesktop.impl.portal.PermissionStore",
-             "/org/freedesktop/impl/portal/PermissionStore",
-             "org.freedesktop.impl.portal.PermissionStore", "SetPermission",
-             GLib.Variant("(sbssas)", (table, True, identifier, application, [answer])))
+        self._call_permission_store(
+            "SetPermission",
+            GLib.Variant("(sbssas)", (table, True, identifier, application, [answer])))
+
+    def granted(self, table, identifier, application):
+        """The answer that the desktop keeps."""
+        try:
+            answers, _ = self._call_permission_store("Lookup",
+                                                     GLib.Variant("(ss)", (table, identifier)))
+        except GLib.Error:
+            return None
+        return answers.get(application)
+
+    def _call_permission_store(self, method, arguments):
+        return call(self.bus, "org.freedesktop.impl.portal.PermissionStore",
+                    "/org/freedesktop/impl/portal/PermissionStore",
+                    "org.freedesktop.impl.portal.PermissionStore", method, arguments)
 
     def screenshot(self, name):
         path = self.output / f"{name}.png"
