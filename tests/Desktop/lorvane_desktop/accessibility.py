@@ -60,9 +60,13 @@ class Focus:
 
 def with_descendants(pid):
     yield pid
-    for thread in Path(f"/proc/{pid}/task").glob("*/children"):
+    try:
+        threads = list(Path(f"/proc/{pid}/task").iterdir())
+    except OSError:
+        return
+    for thread in threads:
         try:
-            children = thread.read_text().split()
+            children = (thread / "children").read_text().split()
         except OSError:
             continue
         for child in children:
