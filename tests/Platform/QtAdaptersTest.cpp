@@ -1,5 +1,6 @@
 #include "Fakes/FakePasteboard.h"
 #include "Fakes/FakeScreens.h"
+#include "Platform/Linux/DesktopStruts.h"
 #include "Platform/Linux/QtPasteboard.h"
 #include "Platform/Linux/QtScreens.h"
 #include "PrivateServers.h"
@@ -108,6 +109,25 @@ TYPED_TEST(ScreensTest, TheMainScreenIsOneOfThemAndLeavesThePanelOut) {
 
 TYPED_TEST(ScreensTest, ThePointerIsOnAScreen) {
     EXPECT_TRUE(this->screens.mainScreen()->frame.contains(this->screens.pointer()));
+}
+
+TEST(DesktopStrutsTest, EachMonitorLosesWhatPanelsTakeOfIt) {
+    const QRect left(0, 0, 640, 800);
+    const QRect right(640, 0, 640, 600);
+    EXPECT_EQ(DesktopStruts::freePart(left, {}), left);
+    // Along its lower edge, which is above that of the desktop.
+    const QRect below(640, 560, 640, 240);
+    EXPECT_EQ(DesktopStruts::freePart(left, {below}), left);
+    EXPECT_EQ(DesktopStruts::freePart(right, {below}), QRect(640, 0, 640, 560));
+    // One above both, and one at the side.
+    const QList<QRect> both = {QRect(0, 0, 1280, 30), QRect(0, 0, 50, 800)};
+    EXPECT_EQ(DesktopStruts::freePart(left, both), QRect(50, 30, 590, 770));
+    EXPECT_EQ(DesktopStruts::freePart(right, both), QRect(640, 30, 640, 570));
+}
+
+TEST(DesktopStrutsTest, APanelThatTakesAllOfAMonitorCountsForNothing) {
+    const QRect monitor(0, 0, 640, 800);
+    EXPECT_EQ(DesktopStruts::freePart(monitor, {monitor}), monitor);
 }
 
 TEST(QtScreensTest, ThePointerIsWhereAnotherProgramMovedIt) {

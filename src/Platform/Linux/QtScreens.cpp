@@ -5,11 +5,22 @@
 #include <QScreen>
 
 namespace lorvane {
-namespace {
 
-Screen screenOf(const QScreen &screen) { return {screen.geometry(), screen.availableGeometry()}; }
-
-} // namespace
+/// Of several monitors Qt doesn't know what panels have taken of each.
+Screen QtScreens::screenOf(const QScreen &screen) {
+    const QRect frame = screen.geometry();
+    if (QGuiApplication::screens().size() == 1 || QGuiApplication::platformName() != u"xcb")
+        return {frame, screen.availableGeometry()};
+    if (!struts_)
+        struts_.emplace();
+    // A monitor's upper left corner is in the server's pixels, and all else relative to it.
+    const qreal scale = screen.devicePixelRatio();
+    const QRect monitor(frame.topLeft(), frame.size() * scale);
+    const QRect part = DesktopStruts::freePart(monitor, struts_->read());
+    const QRectF visible(frame.topLeft() + QPointF(part.topLeft() - frame.topLeft()) / scale,
+                         QSizeF(part.size()) / scale);
+    return {frame, visible.toRect()};
+}
 
 QList<Screen> QtScreens::screens() {
     QList<Screen> all;

@@ -1,6 +1,11 @@
 #pragma once
 
+#include "Platform/Linux/DesktopStruts.h"
 #include "Platform/Screens.h"
+
+#include <optional>
+
+class QScreen;
 
 namespace lorvane {
 
@@ -10,6 +15,11 @@ public:
     QList<Screen> screens() override;
     std::optional<Screen> mainScreen() override;
     QPoint pointer() override;
+
+private:
+    Screen screenOf(const QScreen &screen);
+
+    std::optional<DesktopStruts> struts_; ///< made when it is first needed
 };
 
 } // namespace lorvane

@@ -1,6 +1,7 @@
 #include "Platform/Linux/XcbWorkspace.h"
 
 #include "Platform/Linux/ProcessTable.h"
+#include "Platform/Linux/SettingsPage.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -87,8 +88,13 @@ void XcbWorkspace::observeActivation(Activated activated) {
 
 void XcbWorkspace::openAddress(const QString &address) {
     const QString scheme = QUrl(address).scheme();
+    QStringList command;
     if (scheme == u"http" || scheme == u"https" || scheme == u"mailto" || scheme == u"file")
-        QProcess::startDetached(QStringLiteral("xdg-open"), {address});
+        command = {QStringLiteral("xdg-open"), address};
+    else
+        command = settingsPageCommand(address, qEnvironmentVariable("XDG_CURRENT_DESKTOP"));
+    if (!command.isEmpty())
+        QProcess::startDetached(command.takeFirst(), command);
 }
 
 void XcbWorkspace::showFile(const QString &path) {

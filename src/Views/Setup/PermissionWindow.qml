@@ -33,7 +33,6 @@ Window {
         anchors.top: parent.top
         anchors.margins: 24
         spacing: 20
-        focus: true
         Keys.onEscapePressed: window.answer(false)
         Accessible.role: Accessible.Dialog
         Accessible.name: window.question.text

@@ -234,26 +234,75 @@ TEST_F(XcbWorkspaceTest, AProcessThatNobodyHasCollectedIsTerminated) {
     ::waitpid(child, nullptr, 0);
 }
 
-TEST_F(XcbWorkspaceTest, OpensOnlyAddressesThatTheDesktopKnows) {
-    // An xdg-open that writes down what it is asked for.
-    const QString folder = VirtualDesktop::current().folder();
-    const QString opened = folder + QStringLiteral("/opened");
-    QFile script(folder + QStringLiteral("/xdg-open"));
-    ASSERT_TRUE(script.open(QIODevice::WriteOnly));
-    script.write("#!/bin/sh\necho \"$1\" >> " + QFile::encodeName(opened) + "\n");
-    script.close();
-    script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    const QByteArray path = qgetenv("PATH");
-    qputenv("PATH", QFile::encodeName(folder) + ":" + path);
+/// Programs of the desktop that write down what they are asked for.
+class XcbWorkspaceAddressTest : public XcbWorkspaceTest {
+protected:
+    void SetUp() override {
+        const QString folder = VirtualDesktop::current().folder();
+        for (const char *program : {"xdg-open", "gnome-control-center", "systemsettings"}) {
+            QFile script(folder + u'/' + QString::fromLatin1(program));
+            ASSERT_TRUE(script.open(QIODevice::WriteOnly));
+            script.write("#!/bin/sh\necho \"${0##*/} $*\" >> " +
+                         QFile::encodeName(opened.fileName()) + "\n");
+            script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        }
+        qputenv("PATH", QFile::encodeName(folder) + ":" + path);
+    }
+    void TearDown() override {
+        qputenv("PATH", path);
+        qputenv("XDG_CURRENT_DESKTOP", desktop);
+        opened.remove();
+    }
 
-    workspace.openAddress(
-        QStringLiteral("x-apple.systempreferences:com.apple.preference.security"));
+    /// What was opened, after `count` lines of it.
+    QByteArray awaitOpened(int count) {
+        QByteArray lines;
+        waitUntil([&] {
+            QFile file(opened.fileName());
+            if (file.open(QIODevice::ReadOnly))
+                lines = file.readAll();
+            return lines.count('\n') >= count;
+        });
+        return lines;
+    }
+    void open(const char *pane) {
+        workspace.openAddress(
+            QStringLiteral("x-apple.systempreferences:com.apple.preference.security?") +
+            QString::fromLatin1(pane));
+    }
+
+    const QByteArray path = qgetenv("PATH");
+    const QByteArray desktop = qgetenv("XDG_CURRENT_DESKTOP");
+    QFile opened{VirtualDesktop::current().folder() + QStringLiteral("/opened")};
+};
+
+TEST_F(XcbWorkspaceAddressTest, OpensNothingOfAnotherSystemOnADesktopWithoutSuchPages) {
+    qputenv("XDG_CURRENT_DESKTOP", "XFCE");
+    open("Privacy_Microphone");
     workspace.openAddress(QStringLiteral("https://example.org/a?b=c&d"));
-    QFile result(opened);
-    EXPECT_TRUE(waitUntil([&] { return result.size() > 0; }));
-    ASSERT_TRUE(result.open(QIODevice::ReadOnly));
-    EXPECT_EQ(result.readAll(), "https://example.org/a?b=c&d\n");
-    qputenv("PATH", path);
+    EXPECT_EQ(awaitOpened(1), "xdg-open https://example.org/a?b=c&d\n");
+}
+
+TEST_F(XcbWorkspaceAddressTest, OpensThePrivacyPagesOfGnome) {
+    qputenv("XDG_CURRENT_DESKTOP", "ubuntu:GNOME");
+    open("Privacy_Microphone");
+    EXPECT_EQ(awaitOpened(1), "gnome-control-center microphone\n");
+    open("Privacy_Unknown");
+    open("Privacy_Accessibility");
+    EXPECT_EQ(awaitOpened(2), "gnome-control-center microphone\n"
+                              "gnome-control-center universal-access\n");
+}
+
+TEST_F(XcbWorkspaceAddressTest, OpensThePrivacyPagesOfPlasma) {
+    qputenv("XDG_CURRENT_DESKTOP", "KDE");
+    open("Privacy_SpeechRecognition");
+    EXPECT_EQ(awaitOpened(1), "systemsettings kcm_app-permissions\n");
+}
+
+TEST_F(XcbWorkspaceAddressTest, APageWhoseProgramIsMissingDoesNoHarm) {
+    qputenv("XDG_CURRENT_DESKTOP", "GNOME");
+    qputenv("PATH", "/nonexistent");
+    open("Privacy_Microphone");
 }
 
 /// A file manager that writes down what it is asked to show.
