@@ -88,10 +88,14 @@ class OverlayWindow(DesktopTest):
             self.assert_on_top(place)
             self.hide()
 
-    def test_appears_on_the_monitor_with_the_pointer(self):
+    def test_appears_on_the_monitor_with_the_pointer_above_its_panel(self):
         run("xrandr", "--setmonitor", "left", "640/170x800/210+0+0", "screen", check=True)
         run("xrandr", "--setmonitor", "right", "640/170x600/160+640+0", "none", check=True)
-        for x, left, bottom in ((1000, 640, 600), (100, 0, 800), (639, 0, 800), (640, 640, 600)):
+        # A panel of 40 at the lower edge of the right monitor, which ends above the desktop's.
+        panel = editors.featherpad(self.session)
+        run("xprop", "-id", panel.window, "-f", "_NET_WM_STRUT_PARTIAL", "32c", "-set",
+            "_NET_WM_STRUT_PARTIAL", "0,0,0,240,0,0,0,0,0,0,640,1279", check=True)
+        for x, left, bottom in ((1000, 640, 560), (100, 0, 800), (639, 0, 800), (640, 640, 560)):
             run("xdotool", "mousemove", str(x), "300")
             self.assertEqual(self.show(), (left + (640 - WIDTH) // 2,
                                            bottom - ABOVE_EDGE - HEIGHT, WIDTH, HEIGHT))

@@ -23,6 +23,13 @@ Item {
         anchors.fill: parent
         radius: 22
         color: indicator.fill
+    }
+
+    // Over the fill: a border of the card itself would be drawn in place of it.
+    Rectangle {
+        anchors.fill: card
+        radius: card.radius
+        color: "transparent"
         border.width: 1
         border.color: indicator.border
     }
