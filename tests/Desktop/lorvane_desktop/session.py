@@ -88,9 +88,10 @@ class Session:
                    "--a11y=1")
         self.spawn("openbox", "openbox", "--sm-disable")
         (self.home / "pulse.pa").write_text(PULSE)
-        self.spawn("pulseaudio", "pulseaudio", "-n", "-F", self.home / "pulse.pa", "--daemonize=no",
-                   "--exit-idle-time=-1", "--use-pid-file=no", "--log-target=stderr",
-                   "--realtime=no", "--high-priority=no")
+        self.sound_server = self.spawn(
+            "pulseaudio", "pulseaudio", "-n", "-F", self.home / "pulse.pa", "--daemonize=no",
+            "--exit-idle-time=-1", "--use-pid-file=no", "--log-target=stderr", "--realtime=no",
+            "--high-priority=no")
         until(lambda: "window id" in run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), 10,
               "the window manager")
         until(lambda: "microphone" in run("pactl", "get-default-source"), 10, "the sound server")
