@@ -38,6 +38,10 @@ public:
     std::unique_ptr<SpeechAnalyzer> makeAnalyzer(const QString &, const QStringList &) override {
         return nullptr;
     }
+    std::unique_ptr<SpeechTask> followRecording(const QString &, const QString &,
+                                                const QStringList &) override {
+        return nullptr;
+    }
 
 private:
     class Task final : public SpeechTask {
