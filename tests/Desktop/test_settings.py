@@ -32,7 +32,8 @@ class Settings(DesktopTest):
             before = switch.has_state(CHECKED)
             switch.press()
             until(lambda: switch.has_state(CHECKED) != before, 10, f"the change of “{name}”")
-            until(lambda: self.settings().get(key) == (not before), 10, f"“{key}” in the library")
+            until(lambda: self.settings().get(key) == (not before), 10,
+                  f"“{key}” in the library")
 
         picker = self.find("Recognition language", "combo box", states=())
         picker.press()
@@ -47,7 +48,8 @@ class Settings(DesktopTest):
         run("xdotool", "type", "--delay", "20", "two words")
         until(lambda: editor.text() == "two words", 10, "the typed text")
         self.find("2 words", "label")
-        until(lambda: self.library().get("scratchpad") == "two words", 10, "the text in the library")
+        until(lambda: self.library().get("scratchpad") == "two words", 10,
+              "the text in the library")
         self.lorvane.press("Clear…")
         self.find("Clear your scratchpad?", "heading")
         self.lorvane.press("Clear scratchpad")
