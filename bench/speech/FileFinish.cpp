@@ -46,22 +46,22 @@ double median(std::vector<double> values) {
 using Results = std::vector<SpeechAnalysisResult>;
 
 struct Models {
-    Models() {
-        const QString folder = OnDeviceSpeech::installedModelsFolder();
-        const std::optional<ModelFolder> model = ModelFolder::find(folder, u"en"_qs);
+    Models(const QString &folder, const QString &language)
+        : speech(audioFile, folder), locale(language) {
+        const std::optional<ModelFolder> model = ModelFolder::find(folder, language);
         if (!model)
             throw std::runtime_error("there is no model: run scripts/fetch-speech");
         bare = std::make_unique<SpeechEngine>(runtime, *model,
                                               QDir(folder).filePath(u"vad/silero.onnx"_qs));
         bare->load(fileModel);
-        speech.preload();
-        recognizer = speech.makeRecognizer(u"en-US"_qs);
+        recognizer = speech.makeRecognizer(locale);
     }
 
     SndfileAudioFile audioFile;
     OnnxRuntime runtime{1};
     std::unique_ptr<SpeechEngine> bare;
-    OnDeviceSpeech speech{audioFile, OnDeviceSpeech::installedModelsFolder()};
+    OnDeviceSpeech speech;
+    QString locale;
     std::shared_ptr<SpeechRecognizer> recognizer;
 };
 
@@ -70,7 +70,7 @@ std::pair<Results, double> analyze(Models &models, const QString &path) {
     Results results;
     std::promise<std::optional<QString>> end;
     const auto start = SteadyClock::now();
-    const auto analyzer = models.speech.makeAnalyzer(u"en-US"_qs, {});
+    const auto analyzer = models.speech.makeAnalyzer(models.locale, {});
     analyzer->start(
         path, [&](const SpeechAnalysisResult &result) { results.push_back(result); },
         [&](const std::optional<QString> &error) { end.set_value(error); });
@@ -97,7 +97,7 @@ std::pair<Results, double> dictate(Models &models, const QString &path,
                                    const std::vector<float> &samples) {
     constexpr std::size_t bufferSize = 2048;
     auto writer = models.audioFile.openForWriting(path, {sampleRate, 1});
-    const auto following = models.speech.followRecording(path, u"en-US"_qs, {});
+    const auto following = models.speech.followRecording(path, models.locale, {});
     std::shared_ptr<SpeechBufferRequest> request;
     std::unique_ptr<SpeechTask> live;
     auto due = SteadyClock::now();
@@ -143,13 +143,16 @@ int runBenchmark(QCoreApplication &application) {
     parser.addOption({u"times"_qs, u"repeat it within the file"_qs, u"count"_qs, u"1"_qs});
     parser.addOption({u"runs"_qs, u"do it so often"_qs, u"count"_qs, u"1"_qs});
     parser.addOption({u"dictate"_qs, u"record it at the pace of speech, too"_qs});
+    parser.addOption({u"models"_qs, u"the folder of the models"_qs, u"folder"_qs,
+                      OnDeviceSpeech::installedModelsFolder()});
+    parser.addOption({u"language"_qs, u"such as en"_qs, u"language"_qs, u"en"_qs});
     parser.process(application);
     if (parser.positionalArguments().size() != 1)
         parser.showHelp(1);
     const QString recording = parser.positionalArguments().first();
     const QTemporaryDir folder;
     const QString path = folder.filePath(u"recording.caf"_qs);
-    Models models;
+    Models models(parser.value(u"models"_qs), parser.value(u"language"_qs));
     write(models, path, decodedAudio(recording, sampleRate), parser.value(u"times"_qs).toInt());
     const std::vector<float> samples = decodedAudio(recording);
 

@@ -48,6 +48,8 @@ ModelFolder ModelFolder::read(const QString &path) {
         model.languages.append(language.toString());
     model.tokens = folder.filePath(manifest[u"tokens"].toString());
     const QJsonObject sizes = manifest[u"sizes"].toObject();
+    if (sizes.isEmpty())
+        throw LocalizedError(u"“%1” names no speech model."_qs.arg(path));
     for (auto size = sizes.begin(); size != sizes.end(); ++size) {
         const QJsonObject files = size->toObject();
         const QJsonObject alignment = files[u"alignment"].toObject();
@@ -60,16 +62,21 @@ ModelFolder ModelFolder::read(const QString &path) {
 
 std::optional<ModelFolder> ModelFolder::find(const QString &modelsFolder, const QString &language) {
     const QDir models(modelsFolder);
+    std::optional<ModelFolder> best;
     for (const QString &name : models.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
         try {
-            ModelFolder model = read(models.filePath(name));
-            if (model.languages.contains(language))
-                return model;
+            const ModelFolder model = read(models.filePath(name));
+            if (model.languages.contains(language) && (!best || model.rank() > best->rank()))
+                best = model;
         } catch (const LocalizedError &) {
             // Not a model of ours, or a broken one: another may serve.
         }
     }
-    return {};
+    return best;
+}
+
+int ModelFolder::rank() const {
+    return (sizes.contains(fileModel) ? 2 : 0) + (sizes.contains(liveModel) ? 1 : 0);
 }
 
 } // namespace lorvane

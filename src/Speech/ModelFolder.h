@@ -8,6 +8,10 @@
 
 namespace lorvane {
 
+/// The sizes of the models: the smaller one keeps up with the voice, the larger one hears better.
+inline const QString liveModel = QStringLiteral("tiny");
+inline const QString fileModel = QStringLiteral("base");
+
 /// One size of a speech model, as its manifest describes it.
 struct ModelFiles {
     QString encoder; ///< paths
@@ -26,8 +30,12 @@ struct ModelFolder {
     /// size. Throws LocalizedError.
     static ModelFolder read(const QString &folder);
 
-    /// The first whole folder in `modelsFolder` that serves a language such as "en", or none.
+    /// The best whole folder in `modelsFolder` that serves a language such as "en", or none: one
+    /// with the larger model before one without, the first by name among equals.
     static std::optional<ModelFolder> find(const QString &modelsFolder, const QString &language);
+
+private:
+    int rank() const;
 };
 
 } // namespace lorvane

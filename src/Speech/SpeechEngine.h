@@ -9,10 +9,6 @@
 
 namespace lorvane {
 
-/// The sizes of the models: the smaller one keeps up with the voice, the larger one hears better.
-inline const QString liveModel = QStringLiteral("tiny");
-inline const QString fileModel = QStringLiteral("base");
-
 /// The recognition of one language: models that are loaded when they are first needed, and stay.
 /// One thread at a time.
 class SpeechEngine {

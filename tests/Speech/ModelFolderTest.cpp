@@ -22,10 +22,11 @@ protected:
         file.write(contents);
     }
 
-    void writeModel(const QString &name, const QByteArray &language) {
-        write(name + u"/manifest.json"_qs,
-              R"({"engine": "moonshine", "languages": [")" + language + R"("], "tokens": "t",
-                  "sizes": {"base": {"encoder": "e", "decoder": "d",
+    void writeModel(const QString &name, const QByteArray &language,
+                    const QByteArray &size = "base") {
+        write(name + u"/manifest.json"_qs, R"({"engine": "moonshine", "languages": [")" + language +
+                                               R"("], "tokens": "t",
+                  "sizes": {")" + size + R"(": {"encoder": "e", "decoder": "d",
                                      "alignment": {"layer": 5, "head": 3, "offset": 0.5}}},
                   "files": {"t": {"bytes": 2}, "e": {"bytes": 3}, "d": {"bytes": 4}}})");
         write(name + u"/t"_qs, "tt");
@@ -46,6 +47,19 @@ TEST_F(ModelFolderTest, IsFoundByItsLanguage) {
     EXPECT_EQ(model->sizes[u"base"_qs].alignmentHead, 3);
     EXPECT_DOUBLE_EQ(model->sizes[u"base"_qs].alignmentOffset, 0.5);
     EXPECT_FALSE(ModelFolder::find(folder_.path(), u"de"_qs));
+}
+
+TEST_F(ModelFolderTest, IsTheBestOfThoseForALanguage) {
+    writeModel(u"a small one"_qs, "en", "tiny");
+    EXPECT_EQ(ModelFolder::find(folder_.path(), u"en"_qs)->sizes.keys(), QStringList(u"tiny"_qs));
+    writeModel(u"b large one"_qs, "en", "base");
+    writeModel(u"c large one"_qs, "en", "base");
+    const auto model = ModelFolder::find(folder_.path(), u"en"_qs);
+    EXPECT_EQ(model->tokens, folder_.filePath(u"b large one/t"_qs));
+    QFile::remove(folder_.filePath(u"b large one/t"_qs));
+    QFile::remove(folder_.filePath(u"c large one/t"_qs));
+    EXPECT_EQ(ModelFolder::find(folder_.path(), u"en"_qs)->tokens,
+              folder_.filePath(u"a small one/t"_qs));
 }
 
 TEST_F(ModelFolderTest, IsPassedOverWhenAFileIsMissingOrHasAnotherSize) {
