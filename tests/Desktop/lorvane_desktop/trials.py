@@ -173,7 +173,7 @@ class Trial:
                 self.problems.append(f"the target was not captured: {pressed}")
             if scenario.meanwhile:
                 scenario.meanwhile(self.target, self.other)
-                time.sleep(0.1)
+                time.sleep(0.3)  # some time before the release: editors tell of it late
             first = ("space",) if self.modifiers_held else tuple(reversed(keys.SHORTCUT))
             run("xdotool", "keyup", "--delay", "0", *first, check=True)
             if scenario.then:
