@@ -12,18 +12,23 @@ namespace {
 
 constexpr int answerMilliseconds = 2000;
 
-/// What a desktop gives a program that it starts, for its windows to be let to the front. Each is
-/// an environment variable here and a key of the platform data there.
-constexpr std::pair<const char *, const char *> tokens[] = {
-    {"DESKTOP_STARTUP_ID", "desktop-startup-id"},
-    {"XDG_ACTIVATION_TOKEN", "activation-token"},
-};
+const QString activationToken = u"activation-token"_s;
 
 } // namespace
 
-SingleInstance::SingleInstance(QObject *parent) : QObject(parent), isFirst_(takeName()) {}
+QVariantMap SingleInstance::platformData() {
+    QVariantMap data;
+    for (const auto &[variable, key] : {std::pair("DESKTOP_STARTUP_ID", u"desktop-startup-id"_s),
+                                        std::pair("XDG_ACTIVATION_TOKEN", activationToken)})
+        if (qEnvironmentVariableIsSet(variable))
+            data.insert(key, qEnvironmentVariable(variable));
+    return data;
+}
 
-bool SingleInstance::takeName() {
+SingleInstance::SingleInstance(const QVariantMap &platformData)
+    : isFirst_(takeName(platformData)) {}
+
+bool SingleInstance::takeName(const QVariantMap &platformData) {
     const QString service = u"net.lorvane.Lorvane"_s;
     const QString path = u"/net/lorvane/Lorvane"_s;
     QDBusConnection bus = QDBusConnection::sessionBus();
@@ -35,10 +40,6 @@ bool SingleInstance::takeName() {
     if (bus.interface()->registerService(service) == QDBusConnectionInterface::ServiceRegistered)
         return true;
 
-    QVariantMap platformData;
-    for (const auto &[variable, key] : tokens)
-        if (qEnvironmentVariableIsSet(variable))
-            platformData.insert(QString::fromLatin1(key), qEnvironmentVariable(variable));
     QDBusMessage call = QDBusMessage::createMethodCall(
         service, path, u"org.freedesktop.Application"_s, u"Activate"_s);
     call << platformData;
@@ -49,10 +50,9 @@ bool SingleInstance::takeName() {
 }
 
 void ApplicationInterface::Activate(const QVariantMap &platformData) {
-    for (const auto &[variable, key] : tokens)
-        if (const QString token = platformData.value(QString::fromLatin1(key)).toString();
-            !token.isEmpty())
-            qputenv(variable, token.toUtf8());
+    // Qt spends it on the window that is activated next.
+    if (const QString token = platformData.value(activationToken).toString(); !token.isEmpty())
+        qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
     Q_EMIT instance_.activated();
 }
 

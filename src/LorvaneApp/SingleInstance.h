@@ -13,7 +13,13 @@ namespace lorvane {
 class SingleInstance : public QObject {
     Q_OBJECT
 public:
-    explicit SingleInstance(QObject *parent = nullptr);
+    /// What the desktop gave this start, for its windows to be let to the front: the platform data
+    /// of the interface. To be called before the application object takes it out of the
+    /// environment.
+    static QVariantMap platformData();
+
+    /// Needs an application object. `platformData` is passed on to the first, if this isn't it.
+    explicit SingleInstance(const QVariantMap &platformData);
 
     /// Whether this is the first. If not, the first has been asked to come forward; a first that
     /// doesn't answer is given two seconds.
@@ -24,7 +30,7 @@ Q_SIGNALS:
     void activated();
 
 private:
-    bool takeName();
+    bool takeName(const QVariantMap &platformData);
 
     bool isFirst_;
 };

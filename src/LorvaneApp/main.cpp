@@ -14,12 +14,13 @@ int main(int argc, char **argv) {
     using namespace lorvane;
 
     TerminationSignals::block();
+    const QVariantMap platformData = SingleInstance::platformData();
     Application application(argc, argv);
     QApplication::setApplicationName(u"lorvane"_s);
     QApplication::setDesktopFileName(u"net.lorvane.Lorvane"_s);
     // The program lives in the tray as much as in its window.
     QApplication::setQuitOnLastWindowClosed(false);
-    SingleInstance instance;
+    const SingleInstance instance(platformData);
     if (!instance.isFirst())
         return 0;
     const TerminationSignals signals([] { QApplication::quit(); });

@@ -95,7 +95,14 @@ class Lifecycle(DesktopTest):
     def test_a_second_start_brings_the_first_forward(self):
         editors.mousepad(self.session)
         until(lambda: not self.is_in_front(), 5, "the editor in front")
-        self.assertEqual(subprocess.run([BINARY], timeout=10).returncode, 0)
+        self.session.spawn("monitor", "dbus-monitor", "interface='org.freedesktop.Application'")
+        calls = self.session.output / "monitor.log"
+        until(lambda: "NameAcquired" in calls.read_text(), 5, "the monitor of the bus")
+        tokens = {"DESKTOP_STARTUP_ID": "lorvane-1_TIME2", "XDG_ACTIVATION_TOKEN": "token-3"}
+        second = subprocess.run([BINARY], timeout=10, env=os.environ | tokens)
+        self.assertEqual(second.returncode, 0)
+        for token in tokens.values():
+            until(lambda: token in calls.read_text(), 5, "what the desktop gave the second start")
         until(self.is_in_front, 5, "the first Lorvane in front")
         self.close_window()
         self.assertEqual(subprocess.run([BINARY], timeout=10).returncode, 0)
