@@ -1,6 +1,7 @@
 // Measures the recogniser on a folder of recordings: word errors, the times of words, speed and
-// memory. The folder holds "clips.tsv" with the columns file, seconds and transcript (an empty
-// transcript: nobody speaks), and possibly "align/NAME.json" with the words and their times.
+// memory. The folder holds "clips.tsv" with the columns file, seconds, transcript (an empty one:
+// nobody speaks) and phrases to listen for (between them "; "), and possibly "align/NAME.json" with
+// the words and their times.
 
 #include "Core/LocalizedError.h"
 #include "Speech/DecodedAudio.h"
@@ -43,19 +44,24 @@ double peakMegabytes() {
 struct Clip {
     QString path;
     QString transcript;
+    QStringList phrases; ///< to listen for
     std::vector<float> samples;
     QJsonArray alignment;
 };
 
-std::vector<Clip> readClips(const QDir &folder) {
-    QFile list(folder.filePath(u"clips.tsv"_qs));
+std::vector<Clip> readClips(const QDir &folder, const QString &listName) {
+    QFile list(folder.filePath(listName));
     if (!list.open(QIODevice::ReadOnly))
-        throw LocalizedError(u"There is no clips.tsv in "_qs + folder.path());
+        throw LocalizedError(u"There is no %1 in %2"_qs.arg(listName, folder.path()));
     std::vector<Clip> clips;
     list.readLine();
     while (!list.atEnd()) {
         const QStringList columns = QString::fromUtf8(list.readLine()).trimmed().split(u'\t');
-        Clip clip{folder.filePath(columns[0]), columns.value(2), {}, {}};
+        Clip clip{folder.filePath(columns[0]),
+                  columns.value(2),
+                  columns.value(3).split(u"; "_qs, Qt::SkipEmptyParts),
+                  {},
+                  {}};
         clip.samples = decodedAudio(clip.path);
         QFile alignment(
             folder.filePath(u"align/%1.json"_qs.arg(QFileInfo(clip.path).completeBaseName())));
@@ -107,8 +113,39 @@ double quantile(std::vector<double> values, double share) {
     return values[static_cast<std::size_t>(share * static_cast<double>(values.size() - 1))];
 }
 
+/// How often `phrase` stands in `text`.
+int occurrences(const QStringList &text, const QStringList &phrase) {
+    int count = 0;
+    for (qsizetype i = 0; i + phrase.size() <= text.size(); ++i)
+        count += text.mid(i, phrase.size()) == phrase ? 1 : 0;
+    return count;
+}
+
+/// What became of the phrases of the recordings.
+struct PhraseCounts {
+    int saidWordCount = 0; ///< in the phrases that were said
+    int rightWords = 0;
+    int falsePhrases = 0; ///< heard where they were not said
+
+    void add(const Clip &clip, const QString &heard, bool isVerbose) {
+        const QStringList saidWords = spokenWords(clip.transcript);
+        const QStringList heardWords = spokenWords(heard);
+        for (const QString &phrase : clip.phrases) {
+            const QStringList words = spokenWords(phrase);
+            const int said = occurrences(saidWords, words);
+            const int right = std::min(occurrences(heardWords, words), said);
+            const int wrong = occurrences(heardWords, words) - right;
+            saidWordCount += said * static_cast<int>(words.size());
+            rightWords += right * static_cast<int>(words.size());
+            falsePhrases += wrong;
+            if (isVerbose && wrong)
+                std::printf("  not said: %s\n", qPrintable(phrase));
+        }
+    }
+};
+
 void measure(SpeechEngine &engine, const QString &size, const std::vector<Clip> &clips,
-             bool isVerbose) {
+             bool withPhrases, bool isVerbose) {
     const auto loadStart = SteadyClock::now();
     engine.load(size);
     const double loadSeconds = secondsSince(loadStart);
@@ -116,11 +153,15 @@ void measure(SpeechEngine &engine, const QString &size, const std::vector<Clip> 
     WordErrors errors;
     std::vector<double> starts;
     std::vector<double> ends;
+    PhraseCounts phrases;
     double audioSeconds = 0;
     const double processorStart = processorSeconds();
     const auto start = SteadyClock::now();
     for (const Clip &clip : clips) {
-        const QList<TimedWord> words = engine.recognize(clip.samples, size, {}, {});
+        SpeechOptions options;
+        if (withPhrases)
+            options.contextualStrings = clip.phrases;
+        const QList<TimedWord> words = engine.recognize(clip.samples, size, options, {});
         const QString heard = makeResult(words, true).formattedString;
         const WordErrors clipErrors = wordErrors(spokenWords(clip.transcript), spokenWords(heard));
         errors += clipErrors;
@@ -131,11 +172,15 @@ void measure(SpeechEngine &engine, const QString &size, const std::vector<Clip> 
                         qPrintable(QFileInfo(clip.path).fileName()), qPrintable(clip.transcript),
                         qPrintable(heard));
         }
+        phrases.add(clip, heard, isVerbose);
     }
     const double seconds = secondsSince(start);
-    std::printf("%-5s %5.2f%% of %d words wrong (%d changed, %d inserted, %d lost)",
-                qPrintable(size), errors.rate() * 100, errors.wordCount, errors.substitutions,
-                errors.insertions, errors.deletions);
+    std::printf("%-5s %s%5.2f%% of %d words wrong (%d changed, %d inserted, %d lost)",
+                qPrintable(size), withPhrases ? "with phrases " : "", errors.rate() * 100,
+                errors.wordCount, errors.substitutions, errors.insertions, errors.deletions);
+    if (phrases.saidWordCount || phrases.falsePhrases)
+        std::printf("; %d of %d words of phrases right, %d phrases not said", phrases.rightWords,
+                    phrases.saidWordCount, phrases.falsePhrases);
     if (!starts.empty()) {
         std::printf("; starts of %zu words off by %.0f/%.0f ms, ends by %.0f/%.0f ms (median/90%%)",
                     starts.size(), quantile(starts, 0.5) * 1000, quantile(starts, 0.9) * 1000,
@@ -157,6 +202,8 @@ int runBenchmark(QCoreApplication &application) {
     parser.addOption({u"threads"_qs, u"threads of the runtime"_qs, u"count"_qs, u"1"_qs});
     parser.addOption({u"gain"_qs, u"change the level"_qs, u"decibels"_qs, u"0"_qs});
     parser.addOption({u"silence"_qs, u"put silence before and after"_qs, u"seconds"_qs, u"0"_qs});
+    parser.addOption({u"list"_qs, u"the list in the folder"_qs, u"name"_qs, u"clips.tsv"_qs});
+    parser.addOption({u"only-phrases"_qs, u"don't measure without the phrases"_qs});
     parser.addOption({u"verbose"_qs, u"print each recording with errors"_qs});
     parser.process(application);
     if (parser.positionalArguments().size() != 1)
@@ -166,7 +213,8 @@ int runBenchmark(QCoreApplication &application) {
     const auto folder = ModelFolder::find(models.path(), parser.value(u"language"_qs));
     if (!folder)
         throw LocalizedError(u"There is no model in "_qs + models.path());
-    std::vector<Clip> clips = readClips(QDir(parser.positionalArguments().first()));
+    std::vector<Clip> clips =
+        readClips(QDir(parser.positionalArguments().first()), parser.value(u"list"_qs));
     const double gain = std::pow(10, parser.value(u"gain"_qs).toDouble() / 20);
     const auto silence =
         static_cast<std::size_t>(parser.value(u"silence"_qs).toDouble() * SpeechModel::sampleRate);
@@ -183,8 +231,14 @@ int runBenchmark(QCoreApplication &application) {
     SpeechEngine engine(runtime, *folder, models.filePath(u"vad/silero.onnx"_qs));
     const QStringList sizes = parser.isSet(u"size"_qs) ? QStringList{parser.value(u"size"_qs)}
                                                        : QStringList{liveModel, fileModel};
-    for (const QString &size : sizes)
-        measure(engine, size, clips, parser.isSet(u"verbose"_qs));
+    const bool havePhrases = std::any_of(clips.begin(), clips.end(),
+                                         [](const Clip &clip) { return !clip.phrases.isEmpty(); });
+    for (const QString &size : sizes) {
+        if (!parser.isSet(u"only-phrases"_qs))
+            measure(engine, size, clips, false, parser.isSet(u"verbose"_qs));
+        if (havePhrases)
+            measure(engine, size, clips, true, parser.isSet(u"verbose"_qs));
+    }
     return 0;
 }
 

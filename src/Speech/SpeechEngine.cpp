@@ -3,6 +3,7 @@
 #include "Core/LocalizedError.h"
 #include "Speech/Level.h"
 #include "Speech/OwnWords.h"
+#include "Speech/PhraseBias.h"
 #include "Speech/Stretches.h"
 
 #include <algorithm>
@@ -41,7 +42,7 @@ SpeechModel &SpeechEngine::model(const QString &size) {
 }
 
 QList<TimedWord> SpeechEngine::recognize(std::span<const float> samples, const QString &size,
-                                         [[maybe_unused]] const SpeechOptions &options,
+                                         const SpeechOptions &options,
                                          const std::stop_token &stop) {
     const std::vector<float> voice = amplified(samples, gainFor(samples));
     VoiceActivity activity = makeVoiceActivity();
@@ -54,15 +55,18 @@ QList<TimedWord> SpeechEngine::recognize(std::span<const float> samples, const Q
 }
 
 QList<TimedWord> SpeechEngine::recognizeStretch(std::span<const float> samples, VoiceSpan stretch,
-                                                const QString &size,
-                                                [[maybe_unused]] const SpeechOptions &options,
+                                                const QString &size, const SpeechOptions &options,
                                                 const std::stop_token &stop) {
     const auto index = [&](double time) {
         return std::min(static_cast<std::size_t>(time * SpeechModel::sampleRate), samples.size());
     };
     const std::size_t start = index(stretch.start);
     const std::size_t count = index(stretch.end) - start;
-    const Decoding decoding = model(size).transcribe(samples.subspan(start, count), stop);
+    Hearing hearing = model(size).hear(samples.subspan(start, count), stop);
+    const Decoding decoding =
+        options.contextualStrings.isEmpty()
+            ? decodeGreedily(hearing, false, stop)
+            : decodeWithPhrases(hearing, options.contextualStrings, *tokens_, stop);
     QList<TimedWord> words =
         timedWords(decoding, *tokens_, static_cast<double>(count) / SpeechModel::sampleRate);
     const double offset = static_cast<double>(start) / SpeechModel::sampleRate;

@@ -4,6 +4,7 @@
 
 #include <QFile>
 
+#include <cctype>
 #include <limits>
 
 namespace lorvane {
@@ -27,6 +28,16 @@ TokenTable::TokenTable(const QString &path) {
     tokens_.reserve(pieces_.size());
     for (Token token = firstText; token < pieces_.size(); ++token)
         tokens_.insert(pieces_[token], token);
+    kinds_.assign(static_cast<std::size_t>(pieces_.size()), Kind::Other);
+    for (Token token = firstByte; token < pieces_.size(); ++token) {
+        const QByteArray text = bytes(token);
+        Kind &kind = kinds_[static_cast<std::size_t>(token)];
+        if (text.startsWith(' '))
+            kind = Kind::Beginning;
+        else if (!text.isEmpty() && (static_cast<unsigned char>(text[0]) >= 0x80 ||
+                                     std::isalnum(static_cast<unsigned char>(text[0]))))
+            kind = Kind::Continuation;
+    }
 }
 
 QByteArray TokenTable::bytes(Token token) const {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Platform/Speech.h"
-#include "Speech/SpeechModel.h"
+#include "Speech/Decoding.h"
 #include "Speech/TokenTable.h"
 
 namespace lorvane {

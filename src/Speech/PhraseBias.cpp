@@ -1,0 +1,262 @@
+#include "Speech/PhraseBias.h"
+
+#include "Speech/BeamSearch.h"
+#include "Speech/Phonetics.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace lorvane {
+
+namespace {
+
+/// By how much of the logarithm of its probability a text may fall behind for each token of a
+/// phrase, by how much the phrase sounds like what it replaces. These are measured: see
+/// docs/recogniser.md.
+double allowance(double likeness) { return 0.4 + 2.6 * likeness; }
+
+/// For another form of the phrase, as "participants" for "participant": what was heard is a word.
+constexpr double formAllowance = 1;
+/// For what was heard as one word that is so common that it is a token: the share of the above.
+constexpr double commonShare = 0.6;
+
+/// A search has to be more generous than the judgement on what it finds: a phrase may look bad
+/// until it is whole. With more than this it would say a phrase over and over.
+double reward(double likeness) { return std::min(1.3 * allowance(likeness), 3.5); }
+
+/// A phrase that sounds less than this like anything that was heard is not looked for.
+constexpr double leastLikeness = 0.3;
+
+/// How often the search begins anew, with less trust in a phrase that was wrong.
+constexpr int mostSearches = 4;
+
+/// A word of a decoding: its tokens from `first` up to `last`.
+struct Word {
+    std::size_t first = 0;
+    std::size_t last = 0;
+    QString text; ///< its letters and digits
+    std::u16string sounds;
+};
+
+QString lettersOf(const QString &text) {
+    QString letters;
+    std::copy_if(text.begin(), text.end(), std::back_inserter(letters),
+                 [](QChar c) { return c.isLetterOrNumber(); });
+    return letters;
+}
+
+std::vector<Word> wordsOf(const Decoding &decoding, const TokenTable &tokens) {
+    std::vector<Word> words;
+    std::vector<QByteArray> texts;
+    for (std::size_t i = 0; i < decoding.tokens.size(); ++i) {
+        if (words.empty() || tokens.beginsWord(decoding.tokens[i])) {
+            words.push_back({i, i, {}, {}});
+            texts.emplace_back();
+        }
+        words.back().last = i + 1;
+        texts.back() += tokens.bytes(decoding.tokens[i]);
+    }
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const QString text = QString::fromUtf8(texts[i]);
+        words[i].text = lettersOf(text);
+        words[i].sounds = soundsOf(text);
+    }
+    return words;
+}
+
+/// For each of `words` the place of the same one in `others`, or -1: the longest common
+/// subsequence.
+std::vector<int> sameWords(const std::vector<Word> &words, const std::vector<Word> &others) {
+    const std::size_t columns = others.size() + 1;
+    std::vector<int> length((words.size() + 1) * columns);
+    for (std::size_t i = words.size(); i-- > 0;) {
+        for (std::size_t j = others.size(); j-- > 0;) {
+            length[i * columns + j] =
+                words[i].text == others[j].text
+                    ? length[(i + 1) * columns + j + 1] + 1
+                    : std::max(length[(i + 1) * columns + j], length[i * columns + j + 1]);
+        }
+    }
+    std::vector<int> same(words.size(), -1);
+    for (std::size_t i = 0, j = 0; i < words.size() && j < others.size();) {
+        if (words[i].text == others[j].text)
+            same[i++] = static_cast<int>(j++);
+        else if (length[(i + 1) * columns + j] >= length[i * columns + j + 1])
+            ++i;
+        else
+            ++j;
+    }
+    return same;
+}
+
+/// A phrase to listen for.
+struct Phrase {
+    std::vector<Token> tokens;
+    QString text; ///< its letters and digits
+    std::u16string sounds;
+    double likeness = 0; ///< to what was heard without it
+    double trust = 1;    ///< less when it was found where it was not said
+};
+
+/// Whether one text is the other with an ending.
+bool isForm(const QString &text, const QString &other) {
+    constexpr qsizetype longestEnding = 3;
+    const auto &[shorter, longer] = std::minmax(
+        text, other, [](const QString &a, const QString &b) { return a.size() < b.size(); });
+    return longer.size() > shorter.size() && longer.size() <= shorter.size() + longestEnding &&
+           longer.startsWith(shorter, Qt::CaseInsensitive);
+}
+
+/// The run of words that sounds most like a phrase: how much, and what the phrase is allowed to
+/// cost for each token in its place.
+struct Replaced {
+    double likeness = 0;
+    double allowed = allowance(0);
+    std::size_t last = 0; ///< where the run ends
+};
+Replaced replacedBy(const Phrase &phrase, std::span<const Word> words) {
+    Replaced best;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        std::u16string run;
+        QString text;
+        for (std::size_t j = i; j < words.size() && run.size() <= phrase.sounds.size() + 2; ++j) {
+            run += words[j].sounds;
+            text += words[j].text;
+            const double alike = likeness(phrase.sounds, run);
+            if (alike <= best.likeness)
+                continue;
+            const bool isCommon = i == j && words[i].last == words[i].first + 1;
+            best = {alike,
+                    isForm(phrase.text, text) ? formAllowance
+                                              : allowance(alike) * (isCommon ? commonShare : 1),
+                    j + 1};
+        }
+    }
+    return best;
+}
+
+/// A place where two decodings differ: the words from `first` up to `last`, and those of the other.
+struct Difference {
+    std::size_t first = 0;
+    std::size_t last = 0;
+    std::size_t otherFirst = 0;
+    std::size_t otherLast = 0;
+};
+
+std::vector<Difference> differences(const std::vector<Word> &words,
+                                    const std::vector<Word> &others) {
+    const std::vector<int> same = sameWords(words, others);
+    std::vector<Difference> found;
+    std::size_t first = 0;
+    std::size_t otherFirst = 0;
+    for (std::size_t i = 0; i <= words.size(); ++i) {
+        if (i < words.size() && same[i] < 0)
+            continue;
+        const std::size_t other =
+            i < words.size() ? static_cast<std::size_t>(same[i]) : others.size();
+        if (i > first || other > otherFirst)
+            found.push_back({first, i, otherFirst, other});
+        first = i + 1;
+        otherFirst = other + 1;
+    }
+    return found;
+}
+
+/// The logarithm of the probability of some words and of the beginning of what follows them.
+double logProbability(const Decoding &decoding, const std::vector<Word> &words, std::size_t first,
+                      std::size_t last) {
+    const auto place = [&](std::size_t word) {
+        return word < words.size() ? words[word].first : decoding.tokens.size();
+    };
+    const std::size_t end = std::min(place(last) + 1, decoding.tokens.size());
+    double sum = 0;
+    for (std::size_t i = place(first); i < end; ++i)
+        sum += static_cast<double>(decoding.logProbabilities[i]);
+    return sum;
+}
+
+/// What became of the phrases in a text that was found with them.
+struct Judgement {
+    bool hasPhrases = false; ///< that are not heard without them
+    int wrong = -1;          ///< one that was not said, or -1
+};
+
+Judgement judge(const Decoding &found, const Decoding &plain, const std::vector<Word> &plainWords,
+                const std::vector<Phrase> &phrases, const PhraseTrie &trie,
+                const TokenTable &tokens) {
+    const std::vector<Word> words = wordsOf(found, tokens);
+    const std::vector<PhraseSpan> spans = findPhrases(found.tokens, trie, tokens);
+    Judgement judgement;
+    for (const Difference &place : differences(words, plainWords)) {
+        if (place.first == place.last)
+            continue;
+        // What was heard once is replaced by one phrase.
+        auto replaced =
+            std::span(plainWords).subspan(place.otherFirst, place.otherLast - place.otherFirst);
+        double allowed = 0;
+        double least = 2;
+        int leastLike = -1;
+        for (const PhraseSpan &span : spans) {
+            if (span.last <= words[place.first].first || span.first >= words[place.last - 1].last)
+                continue;
+            const Replaced by =
+                replacedBy(phrases[static_cast<std::size_t>(span.phrase)], replaced);
+            replaced = replaced.subspan(by.last);
+            allowed += by.allowed * static_cast<double>(span.last - span.first);
+            if (by.likeness < least) {
+                least = by.likeness;
+                leastLike = span.phrase;
+            }
+        }
+        if (leastLike < 0)
+            continue;
+        const double cost = logProbability(plain, plainWords, place.otherFirst, place.otherLast) -
+                            logProbability(found, words, place.first, place.last);
+        if (cost > allowed)
+            judgement.wrong = leastLike;
+        else
+            judgement.hasPhrases = true;
+    }
+    return judgement;
+}
+
+} // namespace
+
+Decoding decodeWithPhrases(Hearing &hearing, const QStringList &phrases, const TokenTable &tokens,
+                           const std::stop_token &stop) {
+    Decoding plain = decodeGreedily(hearing, true, stop);
+    const std::vector<Word> plainWords = wordsOf(plain, tokens);
+    std::vector<Phrase> listened;
+    for (const QString &text : phrases) {
+        Phrase phrase{tokens.encode(text), lettersOf(text), soundsOf(text), 0};
+        phrase.likeness = replacedBy(phrase, plainWords).likeness;
+        listened.push_back(std::move(phrase));
+    }
+    for (int search = 0; search < mostSearches; ++search) {
+        PhraseTrie trie;
+        for (std::size_t i = 0; i < listened.size(); ++i) {
+            const Phrase &phrase = listened[i];
+            if (phrase.likeness >= leastLikeness && phrase.trust > 0)
+                trie.add(phrase.tokens, static_cast<int>(i),
+                         static_cast<float>(phrase.trust * reward(phrase.likeness)));
+        }
+        if (trie.isEmpty())
+            break;
+        std::optional<Decoding> found =
+            searchBeam(hearing.decoder, hearing.mostTokens, trie, tokens, stop);
+        if (!found)
+            break;
+        const Judgement judgement = judge(*found, plain, plainWords, listened, trie, tokens);
+        if (judgement.wrong >= 0) {
+            listened[static_cast<std::size_t>(judgement.wrong)].trust -= 0.5;
+            continue;
+        }
+        if (!judgement.hasPhrases)
+            break;
+        found->firstFrameTime = hearing.firstFrameTime;
+        return std::move(*found);
+    }
+    return plain;
+}
+
+} // namespace lorvane

@@ -1,0 +1,166 @@
+#include "Speech/BeamSearch.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <map>
+
+namespace lorvane {
+namespace {
+
+constexpr std::size_t tokenCount = 32768;
+constexpr std::size_t frameCount = 4;
+
+const TokenTable &table() {
+    static const TokenTable tokens(QStringLiteral(LORVANE_MODELS "/en/tokens.txt"));
+    return tokens;
+}
+
+/// A decoder that knows a few sentences and how probable each is; all else is impossible. It looks
+/// at frame n when it has written n tokens.
+class KnownSentences : public DecoderSteps {
+public:
+    explicit KnownSentences(const std::map<QString, double> &sentences) {
+        for (const auto &[text, probability] : sentences) {
+            sentences_.push_back({{}, probability});
+            if (!text.isEmpty())
+                sentences_.back().tokens = table().encode(text);
+            sentences_.back().tokens.push_back(TokenTable::end);
+        }
+    }
+
+    DecoderStep begin(const std::stop_token &) override {
+        texts_ = {{}};
+        return step();
+    }
+
+    DecoderStep feed(std::span<const Token> tokens, std::span<const std::size_t> parents,
+                     const std::stop_token &) override {
+        std::vector<std::vector<Token>> texts;
+        for (std::size_t i = 0; i < tokens.size(); ++i) {
+            texts.push_back(texts_.at(parents[i]));
+            texts.back().push_back(tokens[i]);
+        }
+        texts_ = std::move(texts);
+        widest = std::max(widest, texts_.size());
+        return step();
+    }
+
+    std::size_t widest = 0; ///< the most texts side by side so far
+
+private:
+    struct Sentence {
+        std::vector<Token> tokens;
+        double probability;
+    };
+
+    DecoderStep step() {
+        scores_.assign(texts_.size() * tokenCount, -100);
+        attention_.assign(texts_.size() * frameCount, 0);
+        for (std::size_t i = 0; i < texts_.size(); ++i) {
+            const std::size_t length = texts_[i].size();
+            attention_[i * frameCount + std::min(length, frameCount - 1)] = 1;
+            std::map<Token, double> probabilities;
+            for (const Sentence &sentence : sentences_) {
+                if (sentence.tokens.size() > length &&
+                    std::equal(texts_[i].begin(), texts_[i].end(), sentence.tokens.begin()))
+                    probabilities[sentence.tokens[length]] += sentence.probability;
+            }
+            for (const auto &[token, probability] : probabilities)
+                scores_[i * tokenCount + static_cast<std::size_t>(token)] =
+                    static_cast<float>(std::log(probability));
+        }
+        return {scores_.data(), tokenCount, attention_.data(), frameCount, frameCount};
+    }
+
+    std::vector<Sentence> sentences_;
+    std::vector<std::vector<Token>> texts_;
+    std::vector<float> scores_;
+    std::vector<float> attention_;
+};
+
+QString textOf(const Decoding &decoding) {
+    QByteArray utf8;
+    for (const Token token : decoding.tokens)
+        utf8 += table().bytes(token);
+    return QString::fromUtf8(utf8).trimmed();
+}
+
+QString found(KnownSentences decoder, const QStringList &phrases = {}) {
+    PhraseTrie trie;
+    for (const QString &phrase : phrases)
+        trie.add(table().encode(phrase), 0, 2);
+    const auto decoding = searchBeam(decoder, 50, trie, table(), {});
+    return decoding ? textOf(*decoding) : u"nothing"_qs;
+}
+
+TEST(BeamSearch, FindsTheMostProbableTextAsAWhole) {
+    // The most probable first word begins no text that is probable as a whole.
+    EXPECT_EQ(
+        found(KnownSentences(
+            {{u"a cat"_qs, 0.2}, {u"a dog"_qs, 0.2}, {u"a horse"_qs, 0.2}, {u"the bird"_qs, 0.4}})),
+        u"the bird"_qs);
+}
+
+TEST(BeamSearch, TakesAPhraseThatIsNearlyAsProbable) {
+    const std::map<QString, double> sentences{{u"Call Kovalchik now"_qs, 0.9},
+                                              {u"Call Kowalczyk now"_qs, 0.1}};
+    EXPECT_EQ(found(KnownSentences(sentences)), u"Call Kovalchik now"_qs);
+    EXPECT_EQ(found(KnownSentences(sentences), {u"Kowalczyk"_qs}), u"Call Kowalczyk now"_qs);
+}
+
+TEST(BeamSearch, TakesNoPhraseThatIsNotHeard) {
+    EXPECT_EQ(found(KnownSentences(
+                        {{u"Call mother now"_qs, 0.9999999}, {u"Call Kowalczyk now"_qs, 1e-9}}),
+                    {u"Kowalczyk"_qs}),
+              u"Call mother now"_qs);
+}
+
+TEST(BeamSearch, GivesNothingForHalfAPhrase) {
+    const std::map<QString, double> sentences{{u"we met in New Jersey"_qs, 0.7},
+                                              {u"we met in New York"_qs, 0.3}};
+    EXPECT_EQ(found(KnownSentences(sentences), {u"New York City"_qs}), u"we met in New Jersey"_qs);
+    EXPECT_EQ(found(KnownSentences(sentences), {u"New York"_qs}), u"we met in New York"_qs);
+}
+
+TEST(BeamSearch, GivesNothingForAPhraseInsideALongerWord) {
+    EXPECT_EQ(found(KnownSentences({{u"the cat"_qs, 0.7}, {u"the dogma"_qs, 0.3}}), {u"dog"_qs}),
+              u"the cat"_qs);
+}
+
+TEST(BeamSearch, NeverGivesAnEmptyText) {
+    EXPECT_EQ(found(KnownSentences({{u""_qs, 0.9}, {u"yes"_qs, 0.1}})), u"yes"_qs);
+}
+
+TEST(BeamSearch, GivesEachTokenItsAttentionAndProbability) {
+    KnownSentences decoder({{u"one two"_qs, 0.6}, {u"one three"_qs, 0.4}});
+    const auto decoding = searchBeam(decoder, 50, PhraseTrie(), table(), {});
+    ASSERT_TRUE(decoding);
+    ASSERT_EQ(decoding->tokens.size(), 2U);
+    EXPECT_EQ(decoding->frameCount, frameCount);
+    EXPECT_EQ(decoding->attention, (std::vector<float>{1, 0, 0, 0, 0, 1, 0, 0}));
+    EXPECT_NEAR(decoding->logProbabilities[0], 0, 1e-4);
+    EXPECT_NEAR(decoding->logProbabilities[1], std::log(0.6), 1e-4);
+    EXPECT_LE(decoder.widest, 4U);
+}
+
+TEST(BeamSearch, LeavesATextThatRunsInCircles) {
+    const QString loop = u"no "_qs.repeated(30).trimmed();
+    EXPECT_EQ(found(KnownSentences({{loop, 0.9}, {u"not now"_qs, 0.1}})), u"not now"_qs);
+}
+
+TEST(FoundPhrases, AreWholeWordsAndTheLongest) {
+    PhraseTrie trie;
+    trie.add(table().encode(u"New York"_qs), 0, 1);
+    trie.add(table().encode(u"New York City"_qs), 1, 1);
+    trie.add(table().encode(u"dog"_qs), 2, 1);
+    const auto tokens = table().encode(u"A dogma of New York City, New York and a dog."_qs);
+    const std::vector<PhraseSpan> spans = findPhrases(tokens, trie, table());
+    ASSERT_EQ(spans.size(), 3U);
+    EXPECT_EQ(spans[0].phrase, 1);
+    EXPECT_EQ(spans[1].phrase, 0);
+    EXPECT_EQ(spans[2].phrase, 2);
+}
+
+} // namespace
+} // namespace lorvane
