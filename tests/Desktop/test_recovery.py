@@ -39,6 +39,11 @@ class DamagedModel(Recovery):
 
 
 class LostSpeech(Recovery):
+    def start(self):
+        # Whole files are analysed as they are written, before anything is lost from them.
+        return Lorvane(self.session,
+                       binary=program.with_models(self.session, program.without_analyser))
+
     def test_a_text_far_shorter_than_the_live_text_is_not_trusted(self):
         editor = editors.mousepad(self.session)
         voice = voices.prompts(self.session, *PROMPTS)

@@ -1,6 +1,7 @@
 // Recordings on the real file system.
 
 #include "CountedSound.h"
+#include "SmallDisk.h"
 
 #include "Core/LocalizedError.h"
 #include "Platform/Linux/SndfileAudioFile.h"
@@ -16,10 +17,8 @@
 #include <cmath>
 #include <csignal>
 
-#include <sched.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -27,25 +26,6 @@ namespace lorvane {
 namespace {
 
 constexpr qsizetype bufferFrames = 2048;
-
-/// A file system of its own on a folder.
-class SmallDisk {
-public:
-    SmallDisk(const QString &folder, const char *options, unsigned long flags = 0)
-        : mountPoint_(QFile::encodeName(folder)) {
-        // Who isn't root may mount in a name space of his own.
-        if (::geteuid() != 0)
-            ::unshare(CLONE_NEWUSER | CLONE_NEWNS);
-        EXPECT_EQ(::mount("tmpfs", mountPoint_.constData(), "tmpfs", flags, options), 0)
-            << "a small disk can't be mounted";
-    }
-    SmallDisk(const SmallDisk &) = delete;
-    SmallDisk &operator=(const SmallDisk &) = delete;
-    ~SmallDisk() { ::umount2(mountPoint_.constData(), MNT_DETACH); }
-
-private:
-    QByteArray mountPoint_;
-};
 
 class AudioRecordingDiskTest : public testing::Test {
 protected:

@@ -1,3 +1,4 @@
+#include "SmallDisk.h"
 #include "SpeechTranscriberFixture.h"
 
 #include <QFileInfo>
@@ -26,6 +27,44 @@ TEST_F(SpeechTranscriberFinishTest, ConfirmedTranscriptRemovesTheFolder) {
     EXPECT_EQ(transcriber.recoveryAudioURL(), QString());
     EXPECT_FALSE(QFileInfo::exists(folder));
     EXPECT_TRUE(QFileInfo::exists(QFileInfo(folder).path()));
+}
+
+TEST_F(SpeechTranscriberFinishTest, AudioThatCannotBeRemovedIsToldAndTheTextStaysConfirmed) {
+    start();
+    speak(1s);
+    const QString folder = recordingFolder();
+    ASSERT_TRUE(QDir(folder).mkdir(u"busy"_s));
+    const SmallDisk busy(folder + u"/busy"_s, "size=64k");
+    stop();
+    answerChunk(u"Hello."_s);
+    EXPECT_EQ(text, u"Hello."_s);
+    EXPECT_TRUE(transcriber.transcriptionComplete());
+    EXPECT_EQ(transcriber.processingMessage(), u"Transcription complete"_s);
+    EXPECT_EQ(transcriber.recoveryAudioURL(), QString());
+    EXPECT_EQ(transcriber.errorMessage(),
+              u"Transcription is complete, but the temporary audio could not be removed: "_s +
+                  folder + u"/recording.caf"_s);
+    EXPECT_TRUE(QFileInfo::exists(folder));
+}
+
+TEST_F(SpeechTranscriberFinishTest, CancelAfterTheEndTakesBackTheOutcomeOnly) {
+    start();
+    speak(61s);
+    stop();
+    answerChunk(u"first"_s);
+    ports.speech.fileRequests().back()->fail(u"The recogniser broke."_s);
+    clock().runUntilIdle();
+    answerChunk(u"third"_s, 1.5);
+    const QString url = transcriber.recoveryAudioURL();
+    const QString message = transcriber.errorMessage();
+    transcriber.cancel();
+    EXPECT_EQ(transcriber.processingMessage(), QString());
+    EXPECT_FALSE(transcriber.transcriptionComplete());
+    EXPECT_EQ(transcriber.transcript(), u"first third"_s);
+    EXPECT_EQ(transcriber.recoveryAudioURL(), url);
+    EXPECT_EQ(transcriber.errorMessage(), message);
+    EXPECT_EQ(transcriber.recordedDuration(), 61);
+    EXPECT_TRUE(QFileInfo::exists(url));
 }
 
 TEST_F(SpeechTranscriberFinishTest, LastWordsThatTheInputHeldBackAreInTheFile) {
