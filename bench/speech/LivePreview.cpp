@@ -57,12 +57,18 @@ void report(const std::vector<Shown> &shown, double seconds, double processorSec
             changed += shown[i].words.value(word) != old[word] ? 1U : 0U;
         }
     }
-    std::printf(
-        "%zu updates, %.2f s between two at most; a word shows %.2f s after its start at "
-        "most; %.1f%% of the words shown were changed at the next update; %.0f%% of a core\n",
-        shown.size(), longest, latest,
-        wordCount ? 100.0 * static_cast<double>(changed) / static_cast<double>(wordCount) : 0,
-        100 * processorSeconds / seconds);
+    const auto share = [](std::size_t part, std::size_t whole) {
+        return whole ? 100.0 * static_cast<double>(part) / static_cast<double>(whole) : 0;
+    };
+    std::printf("updates                       %6zu, %.2f s between two at most\n", shown.size(),
+                longest);
+    if (!shown.empty())
+        std::printf("the first words show          %6.2f s after the last of them began\n",
+                    shown.front().time - shown.front().lastWord);
+    std::printf("a last word shows             %6.2f s after it began, at most\n", latest);
+    std::printf("words changed when shown next %6.1f %%\n", share(changed, wordCount));
+    std::printf("processor                     %6.0f %% of a core\n",
+                100 * processorSeconds / seconds);
 }
 
 int runBenchmark(QCoreApplication &application) {

@@ -27,12 +27,14 @@ private:
 /// Keeps a recording followed.
 class FollowingTask : public SpeechTask {
 public:
-    explicit FollowingTask(std::shared_ptr<FollowedRecording> recording)
-        : recording_(std::move(recording)) {}
+    FollowingTask(std::shared_ptr<SpeechResources> resources,
+                  std::shared_ptr<FollowedRecording> recording)
+        : resources_(std::move(resources)), recording_(std::move(recording)) {}
     ~FollowingTask() override { recording_->cancel(); }
     void cancel() override { recording_->cancel(); }
 
 private:
+    std::shared_ptr<SpeechResources> resources_; // outlives what works with it
     std::shared_ptr<FollowedRecording> recording_;
 };
 
@@ -139,7 +141,7 @@ std::unique_ptr<SpeechTask> OnDeviceSpeech::followRecording(const QString &path,
         resources_->audioFile, resources_->fileWorker, language->file, path, contextualStrings);
     recording->start();
     resources_->followed = recording;
-    return std::make_unique<FollowingTask>(recording);
+    return std::make_unique<FollowingTask>(resources_, recording);
 }
 
 } // namespace lorvane
