@@ -14,10 +14,7 @@ from .lorvane import Lorvane
 from .session import run
 from .waiting import until
 
-# How long after the first key a kill may come: from before the microphone is live until well after
-# the paste, or into the pauses in which the library is written.
-DICTATION = 4.5
-EDITING = 3.0
+EDITING = 3.0  # seconds after the first key in which a kill may come
 
 
 class Kills:
@@ -33,6 +30,7 @@ class Kills:
         self._typed = ""
         self._lorvane = None
         self._kept = set()
+        self._finish = None  # seconds from the release to the pasted text
         self.counts = {}
         self.failures = []
 
@@ -45,14 +43,33 @@ class Kills:
 
     def kill(self, number):
         """Starts Lorvane on what the last kill left, and kills it at some moment."""
+        if self._finish is None:
+            self._measure_a_finish()
         self._lorvane = Lorvane(self._session)
         self._check("Could not load" not in self._lorvane.message(),
                     f"kill {number}: {self._lorvane.message()}")
         before = [record["id"] for record in self._lorvane.history()]
-        if self._random.random() < 0.7:
-            self._kill_a_dictation(number, before)
-        else:
+        kind = self._random.random()
+        if kind < 0.3:
             self._kill_editing(number)
+        elif kind < 0.55:
+            moment = self._random.uniform(0, self._voice.seconds + 1)
+            self._kill_a_dictation(number, before, after_press=moment)
+        else:
+            moment = self._random.uniform(0, 1.4 * self._finish)
+            self._kill_a_dictation(number, before, after_release=moment)
+
+    def _measure_a_finish(self):
+        """Dictates once without a kill, since machines differ."""
+        self._lorvane = Lorvane(self._session)
+        run("xdotool", "windowactivate", "--sync", self._editor_window)
+        with keys.held_shortcut():
+            until(lambda: list(self._new_recordings()), 10, "the recording")
+            microphone.say(self._session, self._voice).wait()
+        released = time.monotonic()
+        until(self._editor.text, 60, "the text")
+        self._finish = time.monotonic() - released
+        self._session.end(self._lorvane.process)
 
     def _kill_after(self, seconds):
         """Sets the moment of the kill; gives what waits for it."""
@@ -80,19 +97,18 @@ class Kills:
 
     # A dictation
 
-    def _kill_a_dictation(self, number, before):
+    def _kill_a_dictation(self, number, before, after_press=None, after_release=None):
         run("xdotool", "windowactivate", "--sync", self._editor_window)
         text = self._editor.text()
         editors.set_clipboard("")
         self._copied = []
-        moment = self._random.uniform(0, DICTATION)
-        live = None
+        live = wait = None
         alive = threading.Event()
         watcher = threading.Thread(target=self._watch_clipboard, args=(alive,))
         watcher.start()
         with keys.held_shortcut():
-            pressed = time.monotonic()
-            wait = self._kill_after(moment)
+            if after_press is not None:
+                wait = self._kill_after(after_press)
             while self._lorvane.process.poll() is None and not live:
                 if any(file.stat().st_size for file in self._new_recordings()):
                     live = time.monotonic()
@@ -100,7 +116,10 @@ class Kills:
                 playing = microphone.say(self._session, self._voice)
                 while playing.speaking() and self._lorvane.process.poll() is None:
                     time.sleep(0.01)
+                spoken = time.monotonic() - playing.started
                 self._session.end(self._session.process("speech"))
+        if not wait:
+            wait = self._kill_after(after_release)
         wait()
         alive.set()
         watcher.join()
@@ -123,10 +142,9 @@ class Kills:
             self._count("killed with the record saved" + (", and pasted" if pasted else ""))
         else:
             self._count("killed with the recording kept")
-            spoken = min(pressed + moment - live, self._voice.seconds) - 0.5
-            self._check(len(recordings) == 1 and seconds[0] >= spoken,
-                        f"kill {number}, {moment:.3f} s after the press: recordings of {seconds} s "
-                        f"after {spoken:.2f} s, and no record")
+            self._check(len(recordings) == 1 and seconds[0] >= spoken - 0.5,
+                        f"kill {number}: recordings of {seconds} s after {spoken:.2f} s of speech, "
+                        "and no record")
 
     def _watch_clipboard(self, ended):
         """What Lorvane puts on the clipboard comes after the record."""
