@@ -10,6 +10,6 @@ class Killed(unittest.TestCase):
     def test_a_kill_loses_neither_the_library_nor_the_recording(self):
         session = self.enterContext(Session(self.id()))
         kills = Kills(session, seed=None)
-        for number in range(4):
-            kills.kill(number)
+        for number, kind in enumerate(("speaking", "editing", "speaking", "editing")):
+            kills.kill(number, kind)
         self.assertEqual(kills.failures, [])

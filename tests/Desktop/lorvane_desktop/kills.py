@@ -41,18 +41,19 @@ class Kills:
         if not holds:
             self.failures.append(what)
 
-    def kill(self, number):
-        """Starts Lorvane on what the last kill left, and kills it at some moment."""
-        if self._finish is None:
+    def kill(self, number, kind=None):
+        """Starts Lorvane on what the last kill left, and kills it at some moment of an "editing", of
+        a "speaking" or of a "finishing"; of any of them if no kind is given."""
+        kind = kind or self._random.choices(("editing", "speaking", "finishing"), (3, 2.5, 4.5))[0]
+        if kind == "finishing" and self._finish is None:
             self._measure_a_finish()
         self._lorvane = Lorvane(self._session)
         self._check("Could not load" not in self._lorvane.message(),
                     f"kill {number}: {self._lorvane.message()}")
         before = [record["id"] for record in self._lorvane.history()]
-        kind = self._random.random()
-        if kind < 0.3:
+        if kind == "editing":
             self._kill_editing(number)
-        elif kind < 0.55:
+        elif kind == "speaking":
             moment = self._random.uniform(0, self._voice.seconds + 1)
             self._kill_a_dictation(number, before, after_press=moment)
         else:
@@ -62,12 +63,13 @@ class Kills:
     def _measure_a_finish(self):
         """Dictates once without a kill, since machines differ."""
         self._lorvane = Lorvane(self._session)
+        before = self._editor.text()
         run("xdotool", "windowactivate", "--sync", self._editor_window)
         with keys.held_shortcut():
             until(lambda: list(self._new_recordings()), 10, "the recording")
             microphone.say(self._session, self._voice).wait()
         released = time.monotonic()
-        until(self._editor.text, 60, "the text")
+        until(lambda: self._editor.text() != before, 60, "the text")
         self._finish = time.monotonic() - released
         self._session.end(self._lorvane.process)
 
