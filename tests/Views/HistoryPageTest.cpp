@@ -148,6 +148,65 @@ TEST_F(HistoryPageTest, AllIsDeletedOnlyAfterAQuestion) {
     EXPECT_TRUE(shows(u"A fresh start."_qs));
 }
 
+TEST_F(HistoryPageTest, TabGoesThroughAllCardsInTheirOrderAndBack) {
+    QStringList texts;
+    for (int i = 0; i < 25; ++i)
+        texts.append(u"dictation number %1"_qs.arg(i));
+    open(texts);
+    typeInto(u"Search your dictations"_qs, {});
+    QStringList forth;
+    for (int i = 0; i < 2 + 3 * 25; ++i) {
+        type(Qt::Key_Tab);
+        QCoreApplication::processEvents();
+        names(); // lays the list out, as the next frame does
+        forth.append(focusName());
+    }
+    EXPECT_EQ(forth.first(2), (QStringList{u"Export"_qs, u"History options"_qs}));
+    for (int i = 0; i < 25; ++i)
+        EXPECT_EQ(forth.mid(2 + 3 * i, 3),
+                  (QStringList{u"Copy dictation"_qs, u"Delete dictation"_qs, texts[i]}));
+    type(Qt::Key_Tab);
+    EXPECT_EQ(focusName(), u"Home"_qs) << "it isn't trapped";
+    type(Qt::Key_Backtab, {}, Qt::ShiftModifier);
+    for (int i = 24; i >= 0; --i) {
+        EXPECT_EQ(focusName(), texts[i]);
+        for (int step = 0; step < 3; ++step) {
+            type(Qt::Key_Backtab, {}, Qt::ShiftModifier);
+            names();
+        }
+    }
+    EXPECT_EQ(focusName(), u"History options"_qs);
+}
+
+TEST_F(HistoryPageTest, NoMoreCardsAreBuiltThanCanBeSeen) {
+    open(QStringList(1000, u"one of many"_qs));
+    ASSERT_TRUE(shows(u"1000 dictations"_qs));
+    QQuickItem *card = qobject_cast<QQuickItem *>(find(u"Copy dictation"_qs)->object());
+    while (!QByteArray(card->metaObject()->className()).startsWith("HistoryCard"))
+        card = card->parentItem();
+    QQuickItem *list = card->parentItem()->parentItem();
+    for (int i = 0; i < 50; ++i) {
+        list->setProperty("contentY", list->property("contentY").toDouble() + 333);
+        names();
+        EXPECT_LE(card->parentItem()->childItems().size(), list->height() / card->height() + 6);
+    }
+}
+
+TEST_F(HistoryPageTest, DeletingByTheKeyboardLeavesTheFocusOnTheNextCard) {
+    open({u"first"_qs, u"second"_qs, u"third"_qs});
+    typeInto(u"Search your dictations"_qs, {});
+    for (int i = 0; i < 7; ++i)
+        type(Qt::Key_Tab);
+    EXPECT_EQ(focusName(), u"Delete dictation"_qs);
+    type(Qt::Key_Space);
+    EXPECT_EQ(cards(), (QStringList{u"first"_qs, u"third"_qs}));
+    EXPECT_EQ(focusName(), u"Delete dictation"_qs);
+    type(Qt::Key_Space);
+    EXPECT_EQ(cards(), QStringList{u"first"_qs});
+    type(Qt::Key_Return);
+    EXPECT_TRUE(shows(u"A fresh start."_qs));
+}
+
 TEST_F(HistoryPageTest, TheExportIsTheStores) {
     open({u"first"_qs});
     const QString target = ports.dataHome.filePath(u"export.txt"_qs);

@@ -89,6 +89,28 @@ TEST_F(ShellTest, TheSidebarHasTheNameThePagesAndTheState) {
     EXPECT_FALSE(shows(u"Ready when you are"_qs));
 }
 
+TEST_F(ShellTest, TheSidebarListsThePagesInOrderWithTheSettingsBelowThePanel) {
+    window->open();
+    const QStringList all = names();
+    const qsizetype first = all.indexOf(u"WORKSPACE"_qs);
+    EXPECT_EQ(
+        all.mid(first, 10),
+        (QStringList{u"WORKSPACE"_qs, u"Home"_qs, u"History"_qs, u"Dictionary"_qs, u"Snippets"_qs,
+                     u"Scratchpad"_qs, u"Ready when you are"_qs, u"Hold ⌃ ⌥ Space"_qs,
+                     u"Settings"_qs, u"Made for your train of thought."_qs}))
+        << "and no count of an empty history";
+    store->setHistory({TranscriptRecord()});
+    EXPECT_EQ(names().mid(first + 2, 2), (QStringList{u"History"_qs, u"1"_qs}));
+}
+
+TEST_F(ShellTest, ViewHistoryOnHomeSelectsHistory) {
+    window->open();
+    ASSERT_TRUE(activate(u"View history"_qs));
+    EXPECT_TRUE(shows(u"Find, copy, and revisit the words you’ve captured."_qs));
+    EXPECT_TRUE(button(u"History"_qs)->state().selected);
+    EXPECT_FALSE(button(u"Home"_qs)->state().selected);
+}
+
 TEST_F(ShellTest, AnErrorHidesTheStatusUntilItIsDismissed) {
     // A shortcut that is taken is a status; a library that can't be read is an error.
     QFile library(ports.libraryPath());

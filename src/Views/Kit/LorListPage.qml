@@ -42,6 +42,8 @@ ListView {
         id: scrolling
         page: page
         content: page.contentItem
+        // So far that the next row, where Tab goes on, is built.
+        margin: 64
     }
 
     ReadingOrder {
