@@ -13,7 +13,8 @@ public:
     virtual ~Keyboard() = default;
 
     /// Posts the desktop's paste key, whatever modifiers the user still holds. False if it can't be
-    /// posted, or if it would go to another window than that of `front` by now.
+    /// posted, if it would go to another window than that of `front` by now, or if the user is just
+    /// clicking somewhere.
     virtual bool postPaste(const RunningApplication &front) = 0;
 };
 

@@ -64,8 +64,8 @@ bool XTestKeyboard::postPaste(const RunningApplication &front) {
 
     xcb_grab_server(c);
     const auto keymap = connection_->reply<xcb_query_keymap_reply_t>(xcb_query_keymap(c), deadline);
-    const bool goesThere =
-        keymap && hasKeyboardFocus(static_cast<xcb_window_t>(front.window), deadline);
+    const bool goesThere = keymap && !isMouseButtonDown(deadline) &&
+                           hasKeyboardFocus(static_cast<xcb_window_t>(front.window), deadline);
     if (goesThere) {
         for (const xcb_keycode_t key : keysToRelease) {
             if (isDown(*keymap, key))
@@ -78,6 +78,15 @@ bool XTestKeyboard::postPaste(const RunningApplication &front) {
     }
     xcb_ungrab_server(c);
     return connection_->flush() && goesThere;
+}
+
+/// Whether the user is just clicking. An application that hasn't looked at the click yet doesn't
+/// know that it moves the focus.
+bool XTestKeyboard::isMouseButtonDown(const QDeadlineTimer &deadline) {
+    constexpr unsigned int buttons = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
+    const auto pointer = connection_->reply<xcb_query_pointer_reply_t>(
+        xcb_query_pointer(connection_->get(), connection_->root()), deadline);
+    return !pointer || (pointer->mask & buttons) != 0;
 }
 
 /// Whether the keys go to a window or to a part of it. The window manager's word for it comes a

@@ -19,6 +19,7 @@ public:
     bool postPaste(const RunningApplication &front) override;
 
 private:
+    bool isMouseButtonDown(const QDeadlineTimer &deadline);
     bool hasKeyboardFocus(xcb_window_t window, const QDeadlineTimer &deadline);
 
     std::unique_ptr<X11Connection> connection_; ///< made when it is first needed

