@@ -121,7 +121,8 @@ class Lifecycle(DesktopTest):
             self.lorvane.press("Start dictation")
             self.lorvane.wait_for(LISTENING)
             end()
-            self.assertEqual(self.lorvane.process.wait(10), 0)
+            # A model that is being loaded is loaded to its end first, by then all is saved.
+            self.assertEqual(self.lorvane.process.wait(60), 0)
             recordings = self.lorvane.recordings()
             self.assertEqual(len(recordings), count)
             for recording in recordings:
