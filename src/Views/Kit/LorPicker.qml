@@ -85,7 +85,7 @@ T.ComboBox {
         }
 
         contentItem: RowLayout {
-            spacing: 6
+            spacing: 5
 
             LorSymbol {
                 opacity: entry.isChosen ? 1 : 0
@@ -99,11 +99,13 @@ T.ComboBox {
                 text: entry.text
                 font: picker.font
                 color: entry.highlighted ? "white" : LorPalette.ink
+                elide: Text.ElideRight
                 textFormat: Text.PlainText
                 Accessible.ignored: true
             }
         }
-        leftPadding: 8
+        leftPadding: 6
+        rightPadding: 6
     }
 
     popup: T.Popup {
