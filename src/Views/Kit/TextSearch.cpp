@@ -100,7 +100,12 @@ bool TextSearch::isIn(QStringView text) const {
     }
     if (!isSimple)
         key = caselessKey(text, turkic_);
-    for (qsizetype at = 0; (at = sought_.indexIn(key, at)) >= 0; ++at) {
+    // A single unit is found sixteen at a time; a longer text is skipped through.
+    const QChar first = sought_.pattern().front();
+    const auto next = [&](qsizetype from) {
+        return length == 1 ? QStringView(key).indexOf(first, from) : sought_.indexIn(key, from);
+    };
+    for (qsizetype at = 0; (at = next(at)) >= 0; ++at) {
         if (!isMark(key, at + length))
             return true;
     }
