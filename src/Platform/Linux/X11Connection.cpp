@@ -110,7 +110,7 @@ void X11Connection::deliverEvents() {
             return;
     }
     // The descriptor of a broken connection would be ready for ever.
-    if (error() != 0)
+    if (notifier_ && error() != 0)
         notifier_->setEnabled(false);
 }
 

@@ -50,6 +50,8 @@ public:
     bool flush();
     /// Sends everything and waits until the server has worked on it; false if it is too late.
     bool synchronize(const QDeadlineTimer &deadline);
+    /// Hands the events that have come to the handler at once, not only from the event loop.
+    void deliverEvents();
     /// The server's number of a name, which is remembered; 0 if it doesn't answer.
     xcb_atom_t atom(const char *name, const QDeadlineTimer &deadline);
 
@@ -57,7 +59,6 @@ private:
     void *waitForReply(unsigned int sequence, const QDeadlineTimer &deadline);
     bool readEvent();
     void postDelivery();
-    void deliverEvents();
 
     xcb_connection_t *connection_;
     xcb_window_t root_ = 0;

@@ -2,9 +2,8 @@
 
 #include "Platform/Linux/KeyboardMap.h"
 
+#include <xcb/xinput.h>
 #include <xcb/xtest.h>
-
-#include <chrono>
 
 namespace lorvane {
 
@@ -12,7 +11,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto timeLimit = 200ms;
+// What applications need to look at a click, and to tell of the focus that it moved. It must end
+// before the paste that follows a click on the button that ends a recording.
+constexpr auto clickSettles = 350ms;
 
 bool isDown(const xcb_query_keymap_reply_t &keymap, xcb_keycode_t key) {
     return keymap.keys[key / 8] & (1 << (key % 8));
@@ -24,27 +25,64 @@ void post(xcb_connection_t *connection, uint8_t type, xcb_keycode_t key) {
 
 } // namespace
 
-XTestKeyboard::XTestKeyboard() = default;
+XTestKeyboard::XTestKeyboard(std::chrono::milliseconds limit) : limit_(limit) {}
 
 XTestKeyboard::~XTestKeyboard() = default;
 
 bool XTestKeyboard::isAvailable() {
-    if (!connection_ || connection_->error() != 0) {
-        connection_ = std::make_unique<X11Connection>();
-        // The first question for an extension waits without a limit, as connecting does: not when
-        // the key is to be posted.
-        useXkb(*connection_, QDeadlineTimer(timeLimit));
-    }
+    if (!connection_ || connection_->error() != 0)
+        connect();
     if (connection_->error() != 0)
         return false;
     const auto *const extension = xcb_get_extension_data(connection_->get(), &xcb_test_id);
     return extension && extension->present;
 }
 
+void XTestKeyboard::connect() {
+    connection_ = std::make_unique<X11Connection>(
+        [this](const xcb_generic_event_t &event) { handleEvent(event); });
+    // The first question for an extension waits without a limit, as connecting does: not when the
+    // key is to be posted.
+    const QDeadlineTimer deadline(limit_);
+    useXkb(*connection_, deadline);
+    followClicks(deadline);
+}
+
+/// Has the server tell of each click, whatever window it goes to.
+void XTestKeyboard::followClicks(const QDeadlineTimer &deadline) {
+    inputExtension_ = 0;
+    if (connection_->error() != 0)
+        return;
+    xcb_connection_t *const c = connection_->get();
+    const auto *const extension = xcb_get_extension_data(c, &xcb_input_id);
+    if (!extension || !extension->present)
+        return;
+    // The version that tells of clicks also while another program holds the pointer.
+    const auto version = connection_->reply<xcb_input_xi_query_version_reply_t>(
+        xcb_input_xi_query_version(c, 2, 1), deadline);
+    if (!version)
+        return;
+    inputExtension_ = extension->major_opcode;
+    const struct {
+        xcb_input_event_mask_t head = {XCB_INPUT_DEVICE_ALL_MASTER, 1};
+        uint32_t events = XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS;
+    } mask;
+    xcb_input_xi_select_events(c, connection_->root(), 1, &mask.head);
+    connection_->flush();
+}
+
+void XTestKeyboard::handleEvent(const xcb_generic_event_t &event) {
+    constexpr uint32_t lastButton = 3; // the next ones are turns of the wheel
+    const auto &click = reinterpret_cast<const xcb_input_raw_button_press_event_t &>(event);
+    if (event.response_type == XCB_GE_GENERIC && click.extension == inputExtension_ &&
+        click.event_type == XCB_INPUT_RAW_BUTTON_PRESS && click.detail <= lastButton)
+        clickSettled_.setRemainingTime(clickSettles);
+}
+
 bool XTestKeyboard::postPaste(const RunningApplication &front) {
     if (!isAvailable())
         return false;
-    const QDeadlineTimer deadline(timeLimit);
+    const QDeadlineTimer deadline(limit_);
     xcb_connection_t *const c = connection_->get();
     const auto map = KeyboardMap::read(*connection_, deadline);
     if (!map)
@@ -64,7 +102,7 @@ bool XTestKeyboard::postPaste(const RunningApplication &front) {
 
     xcb_grab_server(c);
     const auto keymap = connection_->reply<xcb_query_keymap_reply_t>(xcb_query_keymap(c), deadline);
-    const bool goesThere = keymap && !isMouseButtonDown(deadline) &&
+    const bool goesThere = keymap && !isClicking(deadline) &&
                            hasKeyboardFocus(static_cast<xcb_window_t>(front.window), deadline);
     if (goesThere) {
         for (const xcb_keycode_t key : keysToRelease) {
@@ -80,13 +118,15 @@ bool XTestKeyboard::postPaste(const RunningApplication &front) {
     return connection_->flush() && goesThere;
 }
 
-/// Whether the user is just clicking. An application that hasn't looked at the click yet doesn't
-/// know that it moves the focus.
-bool XTestKeyboard::isMouseButtonDown(const QDeadlineTimer &deadline) {
+/// Whether the user is just clicking, or was a moment ago. An application that hasn't looked at the
+/// click yet doesn't know that it moves the focus.
+bool XTestKeyboard::isClicking(const QDeadlineTimer &deadline) {
     constexpr unsigned int buttons = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
     const auto pointer = connection_->reply<xcb_query_pointer_reply_t>(
         xcb_query_pointer(connection_->get(), connection_->root()), deadline);
-    return !pointer || (pointer->mask & buttons) != 0;
+    // What came before the answer is there by now.
+    connection_->deliverEvents();
+    return !pointer || (pointer->mask & buttons) != 0 || !clickSettled_.hasExpired();
 }
 
 /// Whether the keys go to a window or to a part of it. The window manager's word for it comes a

@@ -3,6 +3,9 @@
 #include "Platform/Keyboard.h"
 #include "Platform/Linux/X11Connection.h"
 
+#include <QDeadlineTimer>
+
+#include <chrono>
 #include <memory>
 
 namespace lorvane {
@@ -11,7 +14,8 @@ namespace lorvane {
 /// posts them, the server serves nobody else: the user can't leave in between.
 class XTestKeyboard final : public Keyboard {
 public:
-    XTestKeyboard();
+    /// A paste is given up when the server hasn't answered all questions within the limit.
+    explicit XTestKeyboard(std::chrono::milliseconds limit = std::chrono::milliseconds(200));
     ~XTestKeyboard() override;
 
     /// Whether there is a server that takes synthetic keys.
@@ -19,10 +23,16 @@ public:
     bool postPaste(const RunningApplication &front) override;
 
 private:
-    bool isMouseButtonDown(const QDeadlineTimer &deadline);
+    void connect();
+    void followClicks(const QDeadlineTimer &deadline);
+    void handleEvent(const xcb_generic_event_t &event);
+    bool isClicking(const QDeadlineTimer &deadline);
     bool hasKeyboardFocus(xcb_window_t window, const QDeadlineTimer &deadline);
 
+    const std::chrono::milliseconds limit_;
     std::unique_ptr<X11Connection> connection_; ///< made when it is first needed
+    uint8_t inputExtension_ = 0;                ///< the opcode of its events, 0 without it
+    QDeadlineTimer clickSettled_;
 };
 
 } // namespace lorvane
