@@ -1,5 +1,6 @@
 #include "Speech/DecodedAudio.h"
 #include "Speech/Prompts.h"
+#include "Speech/Sounds.h"
 #include "Speech/SpeechListener.h"
 #include "Speech/WordErrors.h"
 
@@ -118,6 +119,16 @@ TEST(FileSpeech, HearsNothingWhereNobodySpeaks) {
         EXPECT_TRUE(heard.isFinal()) << name;
         EXPECT_EQ(heard.text().toStdString(), "") << name;
         EXPECT_FALSE(heard.error) << name;
+    }
+}
+
+TEST(FileSpeech, InventsNoWordsOnBreathTypingHumAndMusic) {
+    for (const Sound &sound : soundsWithoutVoice(sampleRate)) {
+        for (const float peak : {0.01F, 0.1F, 0.8F}) {
+            const SpeechListener::Heard heard = recognizeSamples(scaled(sound.samples, peak));
+            EXPECT_TRUE(heard.isFinal()) << sound.name;
+            EXPECT_EQ(heard.text().toStdString(), "") << sound.name << " at " << peak;
+        }
     }
 }
 

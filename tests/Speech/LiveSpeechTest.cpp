@@ -1,6 +1,7 @@
 #include "Speech/DecodedAudio.h"
 #include "Speech/LiveRequest.h"
 #include "Speech/Prompts.h"
+#include "Speech/Sounds.h"
 #include "Speech/SpeechListener.h"
 #include "Speech/WordErrors.h"
 
@@ -68,6 +69,25 @@ TEST_F(LiveSpeechTest, SaysNothingWhileNobodySpeaks) {
     ASSERT_TRUE(waitForText(u"message"_qs));
     for (const SpeechResult &result : listener_.heard().results)
         EXPECT_GT(result.segments.first().timestamp, 9.5) << qPrintable(result.formattedString);
+}
+
+TEST_F(LiveSpeechTest, InventsNoWordsOnBreathTypingHumAndMusic) {
+    for (const Sound &sound : soundsWithoutVoice(sampleRate)) {
+        SpeechListener listener;
+        const auto request =
+            englishRecognizer().makeBufferRequest({sampleRate, 1}, SpeechOptions());
+        const auto task = englishRecognizer().recognize(request, listener.handler());
+        feed(*request, sound.samples);
+        feed(*request, std::vector<float>(sampleRate));
+        feed(*request, voice_);
+        ASSERT_TRUE(listener.waitFor([](const auto &heard) {
+            return heard.text().contains(u"message"_qs);
+        })) << sound.name;
+        const double duration = static_cast<double>(sound.samples.size()) / sampleRate;
+        for (const SpeechResult &result : listener.heard().results)
+            EXPECT_GT(result.segments.first().timestamp, duration + 0.5)
+                << sound.name << ": " << qPrintable(result.formattedString);
+    }
 }
 
 TEST_F(LiveSpeechTest, EndsByItselfWithAFinalResultWhenItHasRunForTooLong) {
