@@ -154,6 +154,8 @@ void measure(SpeechEngine &engine, const QString &size, const std::vector<Clip> 
     std::vector<double> starts;
     std::vector<double> ends;
     PhraseCounts phrases;
+    int voicelessClips = 0;
+    int inventedWords = 0;
     double audioSeconds = 0;
     const double processorStart = processorSeconds();
     const auto start = SteadyClock::now();
@@ -165,6 +167,10 @@ void measure(SpeechEngine &engine, const QString &size, const std::vector<Clip> 
         const QString heard = makeResult(words, true).formattedString;
         const WordErrors clipErrors = wordErrors(spokenWords(clip.transcript), spokenWords(heard));
         errors += clipErrors;
+        if (clip.transcript.isEmpty()) {
+            ++voicelessClips;
+            inventedWords += clipErrors.insertions;
+        }
         compareTimes(words, clip.alignment, starts, ends);
         audioSeconds += static_cast<double>(clip.samples.size()) / SpeechModel::sampleRate;
         if (isVerbose && clipErrors.errors()) {
@@ -181,6 +187,8 @@ void measure(SpeechEngine &engine, const QString &size, const std::vector<Clip> 
     if (phrases.saidWordCount || phrases.falsePhrases)
         std::printf("; %d of %d words of phrases right, %d phrases not said", phrases.rightWords,
                     phrases.saidWordCount, phrases.falsePhrases);
+    if (voicelessClips)
+        std::printf("; %d words in %d recordings without a voice", inventedWords, voicelessClips);
     if (!starts.empty()) {
         std::printf("; starts of %zu words off by %.0f/%.0f ms, ends by %.0f/%.0f ms (median/90%%)",
                     starts.size(), quantile(starts, 0.5) * 1000, quantile(starts, 0.9) * 1000,
