@@ -109,9 +109,8 @@ class SpeechAnalyzer {
 public:
     /// Called on a thread of the recogniser's, in the order of the recording.
     using OnResult = std::function<void(const SpeechAnalysisResult &)>;
-    /// Called on a thread of the recogniser's, once, when no result follows: with an error text fit
-    /// to show when the file could not be heard to its end, with none when it was, or was
-    /// abandoned.
+    /// Called on any thread, once, when no result follows: with an error text fit to show when the
+    /// file could not be heard to its end, with none when it was, or was abandoned.
     using OnEnd = std::function<void(const std::optional<QString> &error)>;
 
     SpeechAnalyzer() = default;
@@ -122,7 +121,8 @@ public:
     /// Begins to analyse the file at `path`; at most once. Returns at once.
     virtual void start(const QString &path, OnResult onResult, OnEnd onEnd) = 0;
 
-    /// Abandons the analysis within 100 milliseconds and ends its results; does not wait for that.
+    /// Ends the results at once, and tells so before it returns; the analysis itself is abandoned
+    /// within 100 milliseconds, or when a model that is just being loaded has been.
     virtual void cancelAndFinishNow() = 0;
 };
 

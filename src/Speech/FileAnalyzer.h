@@ -16,11 +16,14 @@ public:
     void cancelAndFinishNow() override;
 
 private:
+    class Listener;
+
     const std::shared_ptr<SpeechResources> resources_;
     const std::shared_ptr<KeptEngine> engine_;
     const QStringList contextualStrings_;
     std::stop_source cancellation_;
     std::shared_ptr<FollowedRecording> followed_;
+    std::weak_ptr<Listener> listener_; ///< lives as long as the job
 };
 
 } // namespace lorvane

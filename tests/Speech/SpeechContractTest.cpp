@@ -1,4 +1,5 @@
 #include "Fakes/FakeSpeech.h"
+#include "Speech/AnalysisListener.h"
 #include "Speech/SpeechListener.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +10,8 @@ namespace {
 // What every recogniser does, the real one and the one for tests.
 class SpeechContractTest : public testing::TestWithParam<const char *> {
 protected:
+    SpeechContractTest() { fake_.hasAnalyzer = true; }
+
     Speech &speech() {
         if (GetParam() == std::string_view("fake"))
             return fake_;
@@ -65,6 +68,26 @@ TEST_P(SpeechContractTest, OutlivesItsMakerAndCanBeCancelledTwice) {
     task->cancel();
     request->append({frames.data(), 2048, 2});
     EXPECT_FALSE(listener.heard().isFinal());
+}
+
+TEST_P(SpeechContractTest, EndsAnAbandonedAnalysisOnceAndAtOnce) {
+    const QString path = writeAudio(lorvane::speech(10).first);
+    for (const bool byDestroying : {false, true}) {
+        AnalysisListener listener;
+        auto analyzer = speech().makeAnalyzer(u"en-AU"_qs, {});
+        ASSERT_TRUE(analyzer);
+        listener.start(*analyzer, path);
+        EXPECT_EQ(listener.heard().ends, 0);
+        if (!byDestroying)
+            analyzer->cancelAndFinishNow();
+        else
+            analyzer.reset();
+        EXPECT_EQ(listener.heard().ends, 1);
+        analyzer.reset();
+        EXPECT_EQ(listener.heard().ends, 1);
+        EXPECT_FALSE(listener.heard().error);
+        EXPECT_EQ(listener.heard().resultsAfterTheEnd, 0);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Speech, SpeechContractTest, testing::Values("fake", "real"),
