@@ -107,18 +107,28 @@ std::size_t FileAnalysis::readBlock(AudioFileReader &file, std::size_t &contents
 }
 
 void FileAnalysis::listen(std::size_t leastSamples, const std::stop_token &stop) {
+    cut(stop);
     while (end() - heard_ >= leastSamples) {
         const std::size_t to = std::min(heard_ + stepSamples, end());
         const std::size_t behind = std::min(heard_, samplesBehind);
         gain_ = gainFor(samples(heard_ - behind, heard_ + stepSamples + samplesAhead));
-        activity_.listen(amplified(samples(heard_, to), gain_), stop);
+        // Part of the step may have been heard when it was abandoned.
+        activity_.listen(amplified(samples(activity_.position(), to), gain_), stop);
         heard_ = activity_.position();
-        const std::vector<float> &probabilities = activity_.probabilities();
-        for (; windowsCut_ < probabilities.size(); ++windowsCut_) {
-            if (const auto stretch = cutter_.add(probabilities[windowsCut_]))
-                recognize(*stretch, stop);
-        }
+        cut(stop);
         forget();
+    }
+}
+
+/// Recognises the stretches that end in what has been heard.
+void FileAnalysis::cut(const std::stop_token &stop) {
+    const std::vector<float> &probabilities = activity_.probabilities();
+    while (waiting_ || windowsCut_ * VoiceActivity::windowSize < heard_) {
+        if (!waiting_)
+            waiting_ = cutter_.add(probabilities[windowsCut_++]);
+        if (waiting_)
+            recognize(*waiting_, stop);
+        waiting_.reset();
     }
 }
 

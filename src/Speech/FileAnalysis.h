@@ -19,8 +19,8 @@ public:
     FileAnalysis(const AudioFormat &format, std::shared_ptr<KeptEngine> engine,
                  QStringList contextualStrings);
 
-    /// Hears what `file` holds more than last time. Throws LocalizedError, and Abandoned once
-    /// `stop` is asked for: neither can be gone on from.
+    /// Hears what `file` holds more than last time. Throws LocalizedError, which ends the analysis,
+    /// and Abandoned once `stop` is asked for: it can go on from there.
     void advance(AudioFileReader &file, const std::stop_token &stop);
 
     /// Whether `file` begins with all that has been heard. Throws the same.
@@ -39,6 +39,7 @@ private:
     std::size_t readBlock(AudioFileReader &file, std::size_t &contents);
     /// Listens on as long as at least `leastSamples` are unheard.
     void listen(std::size_t leastSamples, const std::stop_token &stop);
+    void cut(const std::stop_token &stop);
     void recognize(VoiceSpan stretch, const std::stop_token &stop);
     void forget();
     std::size_t end() const { return firstSample_ + samples_.size(); }
@@ -58,6 +59,7 @@ private:
     VoiceActivity activity_;
     std::size_t windowsCut_ = 0; ///< up to which window the cutter knows them
     StretchCutter cutter_;
+    std::optional<VoiceSpan> waiting_; ///< to be recognised
     float gain_ = 1;
     std::vector<SpeechAnalysisResult> results_;
     OnResult onResult_;

@@ -1,5 +1,7 @@
 #include "Speech/FollowedRecording.h"
 
+#include "Speech/Abandoned.h"
+
 namespace lorvane {
 
 namespace {
@@ -34,21 +36,21 @@ void FollowedRecording::schedule(RecognitionWorker::TimePoint time) {
 
 void FollowedRecording::step(std::stop_source &stop) {
     const std::stop_callback link(cancellation_.get_token(), [&stop] { stop.request_stop(); });
-    if (stop.stop_requested())
-        return;
     try {
         // Opened anew each time: a reader knows the length of its file from when it was opened.
         const std::unique_ptr<AudioFileReader> file = audioFile_.openForReading(path_);
         if (!analysis_)
             analysis_ = std::make_unique<FileAnalysis>(file->format(), engine_, contextualStrings_);
         analysis_->advance(*file, stop.get_token());
+    } catch (const Abandoned &) {
+        // A file has to be recognised first, if nobody has cancelled.
     } catch (const std::exception &) {
-        // Cancelled, or a file has to be recognised first; or it failed, which the analysis of the
-        // finished file will tell.
-        analysis_.reset();
-        return;
+        cancel(); // the analysis of the finished file will tell
     }
-    schedule(worker_.now() + interval);
+    if (cancellation_.stop_requested())
+        analysis_.reset();
+    else
+        schedule(worker_.now() + interval);
 }
 
 } // namespace lorvane

@@ -1,4 +1,5 @@
 #include "Speech/FollowedRecording.h"
+#include "Speech/Abandoned.h"
 #include "Speech/AnalysisListener.h"
 #include "Speech/RealEngine.h"
 #include "Speech/SpeechListener.h"
@@ -16,6 +17,8 @@ void PrintTo(const SpeechAnalysisResult &result, std::ostream *stream) {
 }
 
 namespace {
+
+using namespace std::chrono_literals;
 
 constexpr int rate = 44100;
 
@@ -90,6 +93,68 @@ TEST_F(FollowedRecordingTest, GivesBitForBitWhatTheFinishedFileGives) {
     const Results fresh = freshResults();
     EXPECT_GE(fresh.size(), 3U);
     EXPECT_EQ(finish(*analysis), fresh);
+}
+
+TEST_F(FollowedRecordingTest, GoesOnWhereItWasInterrupted) {
+    while (!isWritten())
+        write(1);
+    writer_.reset();
+    const auto file = audioFile_.openForReading(path_);
+    FileAnalysis analysis(file->format(), real_.engine, {});
+    int interruptions = 0;
+    for (bool isDone = false; !isDone;) {
+        std::stop_source stop;
+        // Later each time, so that it gets through at last.
+        const std::jthread interrupting([&, time = 20ms * (interruptions + 1)] {
+            std::mutex mutex;
+            std::unique_lock lock(mutex);
+            std::condition_variable().wait_for(lock, time);
+            stop.request_stop();
+        });
+        try {
+            analysis.advance(*file, stop.get_token());
+            isDone = true;
+        } catch (const Abandoned &) {
+            ++interruptions;
+        }
+    }
+    EXPECT_GE(interruptions, 3);
+    EXPECT_EQ(finish(analysis), freshResults());
+}
+
+TEST_F(FollowedRecordingTest, KeepsWhatIsDoneWhenAFileHasToBeRecognisedFirst) {
+    /// Has a file come in front of the second step.
+    class Interrupting : public AudioFile {
+    public:
+        explicit Interrupting(RecognitionWorker &worker) : worker_(worker) {}
+        std::unique_ptr<AudioFileWriter> openForWriting(const QString &path,
+                                                        const AudioFormat &format) override {
+            return files_.openForWriting(path, format);
+        }
+        std::unique_ptr<AudioFileReader> openForReading(const QString &path) override {
+            if (++opened == 2)
+                worker_.post([](std::stop_source &) {});
+            return files_.openForReading(path);
+        }
+
+        std::atomic<int> opened = 0;
+
+    private:
+        SndfileAudioFile files_;
+        RecognitionWorker &worker_;
+    } interrupting(real_.worker);
+    const auto followed = std::make_shared<FollowedRecording>(interrupting, real_.worker,
+                                                              real_.engine, path_, QStringList());
+    write(30);
+    followed->start();
+    real_.run([](const std::stop_token &) {});
+    write(10);
+    while (interrupting.opened < 2)
+        real_.pass(1s);
+    std::unique_ptr<FileAnalysis> analysis;
+    real_.run([&](const std::stop_token &) { analysis = followed->take(); });
+    ASSERT_TRUE(analysis);
+    EXPECT_GE(analysis->settledCount(), 2U);
 }
 
 TEST_F(FollowedRecordingTest, NoticesThatTheFileIsAnother) {

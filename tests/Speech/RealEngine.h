@@ -29,7 +29,8 @@ public:
     /// Lets so much time pass on the worker, and waits for what becomes due.
     void pass(std::chrono::seconds time) {
         past_ = past_.load() + time;
-        worker.post([](std::stop_source &) {}); // wakes it up
+        // Wakes it up; a job in front would interrupt what has been woken up already.
+        worker.postInBackground({}, [](std::stop_source &) {});
         run([](const std::stop_token &) {});
     }
 
