@@ -13,16 +13,16 @@ namespace {
 /// By how much of the logarithm of its probability a text may fall behind for each token of a
 /// phrase, by how much the phrase sounds like what it replaces. These are measured: see
 /// docs/recogniser.md.
-double allowance(double likeness) { return 0.4 + 2.6 * likeness; }
+double allowance(double likeness) { return std::clamp(4 * likeness - 0.75, 0.4, 2.3); }
 
 /// For another form of the phrase, as "participants" for "participant": what was heard is a word.
-constexpr double formAllowance = 1;
+constexpr double formAllowance = 0.6;
 /// For what was heard as one word that is so common that it is a token: the share of the above.
 constexpr double commonShare = 0.6;
 
 /// A search has to be more generous than the judgement on what it finds: a phrase may look bad
 /// until it is whole. With more than this it would say a phrase over and over.
-double reward(double likeness) { return std::min(1.3 * allowance(likeness), 3.5); }
+double reward(double likeness) { return std::min(0.5 + 3.4 * likeness, 3.5); }
 
 /// A phrase that sounds less than this like anything that was heard is not looked for.
 constexpr double leastLikeness = 0.3;
