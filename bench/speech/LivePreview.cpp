@@ -8,7 +8,7 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QDir>
+#include <QFile>
 
 #include <algorithm>
 #include <chrono>
@@ -71,17 +71,31 @@ void report(const std::vector<Shown> &shown, double seconds, double processorSec
                 100 * processorSeconds / seconds);
 }
 
+QStringList linesOf(const QString &path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        throw std::runtime_error("the phrases can't be read");
+    return QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
+}
+
 int runBenchmark(QCoreApplication &application) {
     QCommandLineParser parser;
     parser.addHelpOption();
     parser.addPositionalArgument(u"recording"_qs,
                                  u"an audio file; its first 34 seconds are played"_qs);
+    const QCommandLineOption phrases(u"phrases"_qs, u"listens for the lines of <file>"_qs,
+                                     u"file"_qs);
+    parser.addOption(phrases);
     parser.process(application);
     if (parser.positionalArguments().size() != 1)
         parser.showHelp(1);
     std::vector<float> samples = decodedAudio(parser.positionalArguments().first(), sampleRate);
     samples.resize(std::min(samples.size(),
                             static_cast<std::size_t>(sampleRate * (LiveRequest::longest - 1))));
+
+    SpeechOptions options;
+    if (parser.isSet(phrases))
+        options.contextualStrings = linesOf(parser.value(phrases));
 
     SndfileAudioFile audioFile;
     OnDeviceSpeech speech(audioFile, OnDeviceSpeech::installedModelsFolder());
@@ -98,7 +112,7 @@ int runBenchmark(QCoreApplication &application) {
         return std::chrono::duration<double>(SteadyClock::now() - start).count();
     };
     const std::clock_t processorStart = std::clock();
-    const auto request = recognizer->makeBufferRequest({sampleRate, 1}, SpeechOptions());
+    const auto request = recognizer->makeBufferRequest({sampleRate, 1}, options);
     const auto task = recognizer->recognize(
         request, [&](const std::optional<SpeechResult> &result, const std::optional<QString> &) {
             const std::lock_guard lock(mutex);
