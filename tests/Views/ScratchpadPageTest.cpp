@@ -1,6 +1,6 @@
 #include "Views/Settings/ScratchpadModel.h"
 
-#include "SettingsFixture.h"
+#include "PageFixture.h"
 
 #include <QFile>
 
@@ -11,7 +11,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-class ScratchpadPageTest : public SettingsFixture {
+class ScratchpadPageTest : public PageFixture {
 protected:
     void open() { openPage(u"Scratchpad"_qs); }
 

@@ -1,6 +1,6 @@
 #include "Views/Settings/SettingsModel.h"
 
-#include "SettingsFixture.h"
+#include "PageFixture.h"
 
 #include <QFile>
 
@@ -22,7 +22,7 @@ const QStringList languages{u"English (Australia)"_qs,
 const QStringList identifiers{u"en-AU"_qs, u"en-US"_qs, u"en-GB"_qs, u"fr-FR"_qs,
                               u"de-DE"_qs, u"es-ES"_qs, u"ja-JP"_qs};
 
-class SettingsPageTest : public SettingsFixture {
+class SettingsPageTest : public PageFixture {
 protected:
     void open() { openPage(u"Settings"_qs); }
 

@@ -1,7 +1,7 @@
 #include "Views/Setup/PermissionPrompt.h"
 #include "Views/Setup/SetupModel.h"
 
-#include "SettingsFixture.h"
+#include "PageFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@ TEST(SetupModelTest, TheGuideFitsIntoTheScreen) {
     EXPECT_EQ(SetupModel::guideSize(std::nullopt), QSize(860, 760));
 }
 
-class SetupGuideTest : public SettingsFixture {};
+class SetupGuideTest : public PageFixture {};
 
 TEST_F(SetupGuideTest, ItOpensTheWindowAndGoesThroughTheStepsAndEnds) {
     EXPECT_FALSE(window->isOpen());
