@@ -23,12 +23,20 @@ constexpr int restingShare = 4;
 constexpr double longestOpenStretch = 12;
 constexpr double contextKept = 3;
 
+/// Searching for the user's phrases at each update would make the updates late; the final text,
+/// which nobody watches coming, is searched.
+SpeechOptions withoutPhrases(SpeechOptions options) {
+    options.contextualStrings.clear();
+    return options;
+}
+
 } // namespace
 
 LiveRecognition::LiveRecognition(std::shared_ptr<LiveRequest> request,
                                  std::shared_ptr<KeptEngine> engine, RecognitionWorker &worker,
                                  std::stop_token cancellation, SpeechHandler handler)
     : request_(std::move(request)),
+      options_(withoutPhrases(request_->options())),
       engine_(std::move(engine)),
       worker_(worker),
       cancellation_(std::move(cancellation)),
@@ -85,8 +93,8 @@ void LiveRecognition::transcribe(const std::stop_token &stop) {
     for (const VoiceSpan &stretch : stretches) {
         const VoiceSpan open{std::max(stretch.start, settledEnd_), stretch.end};
         if (open.end > open.start)
-            words.append(engine_->use().recognizeStretch(voice, open, engine_->size(),
-                                                         request_->options(), stop));
+            words.append(
+                engine_->use().recognizeStretch(voice, open, engine_->size(), options_, stop));
     }
     transcribedEnd_ = stretches.back().end;
     const bool isNews =

@@ -28,6 +28,7 @@ private:
     void settle(VoiceSpan stretch);
 
     const std::shared_ptr<LiveRequest> request_;
+    const SpeechOptions options_;
     const std::shared_ptr<KeptEngine> engine_;
     RecognitionWorker &worker_;
     const std::stop_token cancellation_;
