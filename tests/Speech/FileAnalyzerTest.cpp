@@ -157,14 +157,14 @@ TEST(FileAnalyzer, NeedsNoMoreMemoryForALongRecording) {
     const std::vector<float> sentence = decodedAudio(promptPath(u"vm-nobox"_qs));
     const auto recording = [&](int minutes) {
         std::vector<float> samples;
-        for (int i = 0; i < minutes * 2; ++i) {
+        for (int i = 0; i < minutes; ++i) {
             samples.insert(samples.end(), sentence.begin(), sentence.end());
-            samples.resize(static_cast<std::size_t>(i + 1) * 30 * sampleRate);
+            samples.resize(static_cast<std::size_t>(i + 1) * 60 * sampleRate);
         }
         return writeAudio(samples);
     };
     const QString shortPath = recording(1);
-    const QString longPath = recording(6);
+    const QString longPath = recording(12);
     const auto peakOf = [](const QString &path) {
         qint64 peak = residentBytes();
         AnalysisListener listener;
@@ -175,11 +175,12 @@ TEST(FileAnalyzer, NeedsNoMoreMemoryForALongRecording) {
     };
     const auto [shortPeak, shortCount] = peakOf(shortPath);
     const auto [longPeak, longCount] = peakOf(longPath);
-    EXPECT_EQ(shortCount, 2U);
+    EXPECT_EQ(shortCount, 1U);
     EXPECT_EQ(longCount, 12U);
     const double megabytes = static_cast<double>(longPeak - shortPeak) / (1 << 20);
-    std::printf("Figure: 6 minutes need %.1f MB more than 1 minute\n", megabytes);
-    EXPECT_LT(megabytes, 6) << "the samples of 5 minutes are 18 MB";
+    std::printf("Figure: 12 minutes need %.1f MB more than 1 minute\n", megabytes);
+    // What the model's runtime keeps differs by up to 13 MB from run to run.
+    EXPECT_LT(megabytes, 21) << "the samples of 11 minutes are 42 MB";
 }
 
 } // namespace
