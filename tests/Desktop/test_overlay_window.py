@@ -69,8 +69,9 @@ class OverlayWindow(DesktopTest):
         run("wmctrl", "-i", "-r", editor.window, "-b", "add,fullscreen")
         until(lambda: "FULLSCREEN" in run("xprop", "-id", editor.window, "_NET_WM_STATE"), 5,
               "the full screen")
+        until(lambda: min(min(colour) for colour in pixels(*corners(MIDDLE_OF_SCREEN))) > 200, 5,
+              "the empty page, which is light")
         beneath = pixels(*corners(MIDDLE_OF_SCREEN))
-        self.assertGreater(min(min(colour) for colour in beneath), 200)
         for compositor in (False, True):
             if compositor:
                 self.session.spawn("picom", "picom", "--backend", "xrender", "--config", "/dev/null")

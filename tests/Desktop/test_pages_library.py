@@ -57,6 +57,11 @@ class LibraryPages(unittest.TestCase):
         return until(lambda: self.root().find(name, role=role, states=(SHOWING,)), 5,
                      f"“{name}”")
 
+    def wait_for_focus(self, name):
+        """Keys go to the sheet from then on."""
+        until(lambda: self.wait_for(name, "text|entry").has_state(FOCUSED), 5,
+              f"the focus on “{name}”")
+
     def wait_until_gone(self, name):
         until(lambda: not self.root().find(name, states=(SHOWING,)), 5,
               f"the end of “{name}”")
@@ -98,8 +103,7 @@ class LibraryPages(unittest.TestCase):
         self.press("Add name or phrase")
         self.wait_for("One name. Many ways to hear it.")
         # The name has the focus; the next field is the first variant.
-        until(lambda: self.wait_for("Preferred name or phrase", "text|entry").has_state(FOCUSED),
-              5, "the focus on the name")
+        self.wait_for_focus("Preferred name or phrase")
         run("xdotool", "type", "Siobhan")
         run("xdotool", "key", "Tab")
         run("xdotool", "type", "Cube Control")
@@ -112,6 +116,7 @@ class LibraryPages(unittest.TestCase):
         self.wait_for("Recognizes: shiv on")
         self.press("Edit kubectl")
         self.wait_for("Edit name and variants")
+        self.wait_for_focus("Preferred name or phrase")
         run("xdotool", "key", "Escape")
         self.wait_until_gone("Edit name and variants")
 
