@@ -77,6 +77,10 @@ class Session:
             "xvfb", ["Xvfb", "-displayfd", "{}", "-screen", "0", f"{self.size}x24", "-dpi", "96",
                      "-nolisten", "tcp", "-noreset"])
         os.environ["DISPLAY"] = f":{number}"
+        # With the first key by XTEST the server announces the map of another keyboard. A window
+        # manager then lets all its keys go and grabs them anew, and a key that comes meanwhile isn't
+        # its own: that first key has to be before it.
+        run("xdotool", "key", "Shift_L", check=True)
 
         address = f"unix:path={self.home}/run/bus"
         self.spawn_and_read("dbus", ["dbus-daemon", "--session", f"--address={address}",
