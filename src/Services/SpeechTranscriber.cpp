@@ -111,7 +111,7 @@ Async<> SpeechTranscriber::prepare(QString localeIdentifier, QStringList context
     liveCommitted_.clear();
     liveAssembly_ = TranscriptAssembly();
 
-    startAudio(session);
+    co_await startAudio(session);
     following_ = ports_.speech.followRecording(capture_->url, recognizer->localeIdentifier(),
                                                contextualStrings_);
     setRecording(true);
@@ -119,34 +119,37 @@ Async<> SpeechTranscriber::prepare(QString localeIdentifier, QStringList context
     startLivePreview();
 }
 
-void SpeechTranscriber::startAudio(const QUuid &session) {
-    const AudioFormat format = ports_.audioInput.format();
+Async<> SpeechTranscriber::startAudio(QUuid session) {
+    const std::stop_token cancellation = co_await currentCancellation;
+    const Self self(this);
+    const AudioFormat format = co_await ports_.audioInput.format();
+    checkSession(self, session, cancellation);
     if (!format.isUsable())
         throw TranscriptionError(Kind::unavailableInput);
     capture_ = std::make_shared<AudioRecording>(ports_.audioFile, format);
     publish(recoveryAudioURL_, QString());
 
     // The audio thread writes, measures and wakes: it neither allocates nor waits for this thread.
-    const Self self(this);
     const auto readings = std::make_shared<CaptureReadings>();
     const std::shared_ptr<Wakeup> wakeup = ports_.clock.makeWakeup([self, session, readings] {
         if (self)
             self->receiveReadings(session, *readings);
     });
-    auto tap = [capture = capture_, readings, wakeup](const AudioBuffer &buffer) {
+    AudioInput::Tap tap = [capture = capture_, readings, wakeup](const AudioBuffer &buffer) {
         const AudioRecording::Progress progress = capture->append(buffer);
         readings->duration = progress.duration;
         readings->level = measureLevel(buffer);
         readings->hasFailed = progress.error.has_value();
         wakeup->wake();
     };
-    auto ended = [self, session, readings](const QString &reason) {
+    AudioInput::Ended ended = [self, session, readings](const QString &reason) {
         if (self)
             self->receiveReadings(session, *readings);
         if (self && self->sessionID_ == session && self->isRecording_)
             self->captureFailed(u"Audio capture failed: "_s + reason);
     };
-    ports_.audioInput.start(format, std::move(tap), std::move(ended));
+    co_await ports_.audioInput.start(format, std::move(tap), std::move(ended));
+    checkSession(self, session, cancellation);
 }
 
 void SpeechTranscriber::receiveReadings(const QUuid &session, const CaptureReadings &readings) {

@@ -77,7 +77,7 @@ private:
     static void checkSession(const Self &self, const QUuid &session,
                              const std::stop_token &cancellation);
     Async<> prepare(QString localeIdentifier, QStringList contextualStrings, QUuid session);
-    void startAudio(const QUuid &session);
+    Async<> startAudio(QUuid session);
     void receiveReadings(const QUuid &session, const CaptureReadings &readings);
     void captureFailed(const QString &error);
     void stopAudio();
@@ -91,6 +91,8 @@ private:
     void receiveLive(const std::optional<QList<TranscribedWord>> &words, bool ended);
 
     // SpeechTranscriberFinish.cpp
+    Async<QString> finish(Self self, std::shared_ptr<AudioRecording> recording,
+                          std::shared_ptr<SpeechRecognizer> recognizer, QUuid session);
     Async<QString> transcribeRecording(Self self, std::shared_ptr<AudioRecording> recording,
                                        std::shared_ptr<SpeechRecognizer> recognizer,
                                        double duration, QString captureError, QUuid session);

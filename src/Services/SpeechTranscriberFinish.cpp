@@ -25,6 +25,11 @@ double durationOf(AudioFile &files, const QString &url, double fallback) {
     }
 }
 
+Async<> nextTurn(Clock &clock) {
+    using Nothing = std::monostate;
+    co_await suspend<Nothing>(clock, [](Continuation<Nothing> caller) { caller.resume({}); });
+}
+
 QList<TranscribedWord> shifted(QList<TranscribedWord> words, double seconds) {
     for (TranscribedWord &word : words)
         word.start += seconds;
@@ -46,18 +51,12 @@ Async<QString> SpeechTranscriber::stop() {
         co_return transcript_;
 
     const QUuid session = sessionID_;
-    stopAudio();
+    setRecording(false);
+    publish(level_, 0.0);
     stopLivePreview();
-    capture_->close();
-    publish(recordedDuration_, durationOf(ports_.audioFile, capture_->url, recordedDuration_));
-    // `start` cleared it, so it can only hold a capture failure of this session.
-    // The failure of the very last buffer is only known to the recording.
-    const QString captureError =
-        errorMessage_.isEmpty() ? capture_->failure().value_or(QString()) : errorMessage_;
     const Self self(this);
-    finishTask_ = Task<QString>::post(
-        ports_.clock,
-        transcribeRecording(self, capture_, recognizer_, recordedDuration_, captureError, session));
+    // Its first part runs here and now, but the session isn't open any more to whoever asks.
+    finishTask_ = Task<QString>::run(finish(self, capture_, recognizer_, session));
     const Task<QString> running = finishTask_;
     const QString text = co_await running;
     if (self && sessionID_ == session)
@@ -65,15 +64,34 @@ Async<QString> SpeechTranscriber::stop() {
     co_return text;
 }
 
-/// It begins in a turn of its own: the session, or this, may be gone by then.
+/// Lets the last words arrive, closes the file, and has it transcribed.
+Async<QString> SpeechTranscriber::finish(Self self, std::shared_ptr<AudioRecording> recording,
+                                         std::shared_ptr<SpeechRecognizer> recognizer,
+                                         QUuid session) {
+    const std::stop_token cancellation = co_await currentCancellation;
+    co_await ports_.audioInput.finish();
+    if (isStale(self, session, cancellation))
+        co_return self ? transcript_ : QString();
+    recording->close();
+    publish(recordedDuration_, durationOf(ports_.audioFile, recording->url, recordedDuration_));
+    // `start` cleared it, so it can only hold a capture failure of this session.
+    // The failure of the very last buffer is only known to the recording.
+    const QString captureError =
+        errorMessage_.isEmpty() ? recording->failure().value_or(QString()) : errorMessage_;
+    // The rest has a turn of its own, in which the session, or this, may be gone.
+    co_await nextTurn(ports_.clock);
+    if (isStale(self, session, cancellation))
+        co_return self ? transcript_ : QString();
+    co_return co_await transcribeRecording(self, recording, recognizer, recordedDuration_,
+                                           captureError, session);
+}
+
 Async<QString> SpeechTranscriber::transcribeRecording(Self self,
                                                       std::shared_ptr<AudioRecording> recording,
                                                       std::shared_ptr<SpeechRecognizer> recognizer,
                                                       double duration, QString captureError,
                                                       QUuid session) {
     const std::stop_token cancellation = co_await currentCancellation;
-    if (isStale(self, session, cancellation))
-        co_return self ? transcript_ : QString();
     // Each reason why the transcript is not confirmed.
     QStringList problems;
     if (!captureError.isEmpty())

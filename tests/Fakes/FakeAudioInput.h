@@ -13,15 +13,19 @@ namespace lorvane {
 /// tap on the thread that makes them.
 class FakeAudioInput final : public AudioInput {
 public:
+    explicit FakeAudioInput(Clock &clock) : clock_(clock) {}
+
+    bool isSlow = false;                ///< what may wait for a sound server waits until `goOn`
     AudioFormat nativeFormat{48000, 1}; ///< an unusable one when there is no microphone
     std::optional<QString> startError;  ///< thrown by `start`
-    std::vector<float> tail;            ///< interleaved; heard, but delivered by `stop` only
+    std::vector<float> tail;            ///< interleaved; heard, but delivered by `finish` only
 
     int startCount = 0;
     int stopCount = 0;
     std::optional<AudioFormat> startedFormat; ///< of the last `start`
 
-    bool isRunning() const { return static_cast<bool>(tap_); }
+    /// Whether it delivers, and is to go on with it.
+    bool isRunning() const { return tap_ && !isFinishing_; }
 
     /// The tap of the running input, for a thread that is to be the audio thread.
     const Tap &tap() const { return tap_; }
@@ -45,10 +49,24 @@ public:
             ended(reason);
     }
 
-    AudioFormat format() override { return nativeFormat; }
+    /// Lets what waits go on.
+    void goOn() {
+        for (const auto &caller : std::exchange(waiting_, {}))
+            caller.resume({});
+    }
 
-    void start(const AudioFormat &format, Tap tap, Ended ended) override {
+    Async<AudioFormat> format() override {
+        co_await pause();
+        co_return nativeFormat;
+    }
+
+    Async<> start(AudioFormat format, Tap tap, Ended ended) override {
+        end();
         ++startCount;
+        const int own = run_;
+        co_await pause();
+        if (own != run_)
+            co_return;
         if (startError)
             throw LocalizedError(*startError);
         startedFormat = format;
@@ -56,22 +74,52 @@ public:
         ended_ = std::move(ended);
     }
 
+    Async<> finish() override {
+        if (!tap_)
+            co_return;
+        isFinishing_ = true;
+        ended_ = nullptr;
+        const int own = run_;
+        co_await pause();
+        if (own != run_)
+            co_return;
+        if (!tail.empty())
+            deliver(std::exchange(tail, {}));
+        end();
+    }
+
     void stop() override {
         ++stopCount;
-        if (tap_ && !tail.empty())
-            deliver(std::exchange(tail, {}));
-        tap_ = nullptr;
-        ended_ = nullptr;
+        end();
     }
 
 private:
+    void end() {
+        ++run_;
+        tap_ = nullptr;
+        ended_ = nullptr;
+        isFinishing_ = false;
+        goOn();
+    }
+
+    Async<> pause() {
+        if (!isSlow)
+            co_return;
+        co_await suspend<std::monostate>(
+            clock_, [this](Continuation<std::monostate> caller) { waiting_.push_back(caller); });
+    }
+
     int channelCount() const { return startedFormat ? startedFormat->channelCount : 1; }
     AudioBuffer bufferOf(const std::vector<float> &samples) const {
         return {samples.data(), qsizetype(samples.size()) / channelCount(), channelCount()};
     }
 
+    Clock &clock_;
     Tap tap_;
     Ended ended_;
+    bool isFinishing_ = false;
+    int run_ = 0; // which start it is
+    std::vector<Continuation<std::monostate>> waiting_;
 };
 
 } // namespace lorvane

@@ -29,7 +29,7 @@ struct FakePorts {
     QTemporaryDir dataHome;
     QStringList log;
     FakeClock clock;
-    FakeAudioInput audioInput;
+    FakeAudioInput audioInput{clock};
     FakeAudioFile audioFile;
     FakeSpeech speech;
     FakePermissions permissions{clock};

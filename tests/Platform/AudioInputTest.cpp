@@ -43,11 +43,13 @@ protected:
 using Drivers = testing::Types<Fake, Pulse>;
 TYPED_TEST_SUITE(AudioInputTest, Drivers);
 
-TYPED_TEST(AudioInputTest, TheFormatIsTheMicrophones) { EXPECT_EQ(this->input.format(), mono); }
+TYPED_TEST(AudioInputTest, TheFormatIsTheMicrophones) {
+    EXPECT_EQ(this->driver.await(this->input.format()), mono);
+}
 
 TYPED_TEST(AudioInputTest, BuffersComeUntilItIsStoppedAndNoneAfter) {
     Ear ear;
-    this->input.start(mono, ear.tap(), nobody());
+    this->driver.await(this->input.start(mono, ear.tap(), nobody()));
     EXPECT_TRUE(this->hear(ear, 3 * 2048));
     this->input.stop();
     const qint64 frames = ear.frames();
@@ -59,7 +61,7 @@ TYPED_TEST(AudioInputTest, BuffersComeUntilItIsStoppedAndNoneAfter) {
 TYPED_TEST(AudioInputTest, AStopMoreOrLessDoesNoHarm) {
     this->input.stop();
     Ear ear;
-    this->input.start(mono, ear.tap(), nobody());
+    this->driver.await(this->input.start(mono, ear.tap(), nobody()));
     this->input.stop();
     this->input.stop();
 }
@@ -67,7 +69,7 @@ TYPED_TEST(AudioInputTest, AStopMoreOrLessDoesNoHarm) {
 TYPED_TEST(AudioInputTest, ItStartsAgainAfterAStop) {
     for (int i = 0; i < 5; ++i) {
         Ear ear;
-        this->input.start(mono, ear.tap(), nobody());
+        this->driver.await(this->input.start(mono, ear.tap(), nobody()));
         EXPECT_TRUE(this->hear(ear, 2048));
         this->input.stop();
     }
@@ -76,12 +78,69 @@ TYPED_TEST(AudioInputTest, ItStartsAgainAfterAStop) {
 TYPED_TEST(AudioInputTest, AStartReplacesTheOneBefore) {
     Ear first;
     Ear second;
-    this->input.start(mono, first.tap(), nobody());
-    this->input.start(mono, second.tap(), nobody());
+    this->driver.await(this->input.start(mono, first.tap(), nobody()));
+    this->driver.await(this->input.start(mono, second.tap(), nobody()));
     const qint64 frames = first.frames();
     EXPECT_TRUE(this->hear(second, 2048));
     EXPECT_EQ(first.frames(), frames);
     this->input.stop();
+}
+
+TYPED_TEST(AudioInputTest, AFinishStopsItToo) {
+    Ear ear;
+    this->driver.await(this->input.start(mono, ear.tap(), nobody()));
+    EXPECT_TRUE(this->hear(ear, 2048));
+    this->driver.await(this->input.finish());
+    const qint64 frames = ear.frames();
+    this->driver.hear();
+    this->driver.waitFor(60ms);
+    EXPECT_EQ(ear.frames(), frames);
+    this->driver.await(this->input.finish());
+}
+
+TYPED_TEST(AudioInputTest, AStopEndsAStartThatWaits) {
+    this->driver.beSlow();
+    Ear ear;
+    const auto starting = Task<>::run(this->input.start(mono, ear.tap(), nobody()));
+    EXPECT_FALSE(starting.isDone());
+    this->input.stop();
+    EXPECT_TRUE(this->driver.waitUntil([&] { return starting.isDone(); }));
+    this->driver.hear();
+    this->driver.waitFor(60ms);
+    EXPECT_EQ(ear.frames(), 0);
+}
+
+TYPED_TEST(AudioInputTest, AStopEndsAFinishThatWaitsAndAnotherStartIsNotConcerned) {
+    Ear first;
+    Ear second;
+    this->driver.await(this->input.start(mono, first.tap(), nobody()));
+    EXPECT_TRUE(this->hear(first, 2048));
+    this->driver.beSlow();
+    const auto finishing = Task<>::run(this->input.finish());
+    EXPECT_FALSE(finishing.isDone());
+    this->input.stop();
+    const qint64 frames = first.frames();
+    const auto starting = Task<>::run(this->input.start(mono, second.tap(), nobody()));
+    EXPECT_TRUE(this->driver.waitUntil([&] { return finishing.isDone(); }));
+    this->driver.goOn();
+    EXPECT_TRUE(this->driver.waitUntil([&] { return starting.isDone(); }));
+    EXPECT_TRUE(this->hear(second, 2048));
+    EXPECT_EQ(first.frames(), frames);
+    this->input.stop();
+}
+
+TYPED_TEST(AudioInputTest, AnEndThatComesDuringAFinishIsNotTold) {
+    Ear ear;
+    bool isTold = false;
+    this->driver.await(this->input.start(mono, ear.tap(), [&](const QString &) { isTold = true; }));
+    EXPECT_TRUE(this->hear(ear, 2048));
+    this->driver.beSlow();
+    const auto finishing = Task<>::run(this->input.finish());
+    this->driver.loseMicrophone();
+    this->driver.goOn();
+    EXPECT_TRUE(this->driver.waitUntil([&] { return finishing.isDone(); }));
+    this->driver.waitFor(60ms);
+    EXPECT_FALSE(isTold);
 }
 
 TYPED_TEST(AudioInputTest, ALostMicrophoneIsToldOnceOnTheMainThread) {
@@ -89,11 +148,11 @@ TYPED_TEST(AudioInputTest, ALostMicrophoneIsToldOnceOnTheMainThread) {
     int count = 0;
     QString reason;
     const auto mainThread = std::this_thread::get_id();
-    this->input.start(mono, ear.tap(), [&](const QString &text) {
+    this->driver.await(this->input.start(mono, ear.tap(), [&](const QString &text) {
         ++count;
         reason = text;
         EXPECT_EQ(std::this_thread::get_id(), mainThread);
-    });
+    }));
     EXPECT_TRUE(this->hear(ear, 2048));
     this->driver.loseMicrophone();
     EXPECT_TRUE(this->driver.waitUntil([&] { return count > 0; }));
@@ -108,7 +167,7 @@ TYPED_TEST(AudioInputTest, ALostMicrophoneIsToldOnceOnTheMainThread) {
 TYPED_TEST(AudioInputTest, AnEndThatComesAfterTheStopIsNotTold) {
     Ear ear;
     bool isTold = false;
-    this->input.start(mono, ear.tap(), [&](const QString &) { isTold = true; });
+    this->driver.await(this->input.start(mono, ear.tap(), [&](const QString &) { isTold = true; }));
     EXPECT_TRUE(this->hear(ear, 2048));
     this->input.stop();
     this->driver.loseMicrophone();
@@ -118,9 +177,9 @@ TYPED_TEST(AudioInputTest, AnEndThatComesAfterTheStopIsNotTold) {
 
 TYPED_TEST(AudioInputTest, WithoutAMicrophoneThereIsNoFormatAndAStartSaysWhy) {
     this->driver.haveNoMicrophone();
-    EXPECT_FALSE(this->input.format().isUsable());
+    EXPECT_FALSE(this->driver.await(this->input.format()).isUsable());
     Ear ear;
-    EXPECT_EQ(errorOf([&] { this->input.start(mono, ear.tap(), nobody()); }),
+    EXPECT_EQ(errorOf([&] { this->driver.await(this->input.start(mono, ear.tap(), nobody())); }),
               QStringLiteral("There is no microphone."));
 }
 

@@ -51,9 +51,9 @@ TEST_F(PulseAudioInputTest, EveryFramePlayedIsInTheFileOnceAndInOrder) {
     const Count counting(sound);
 
     QString end;
-    input.start(
+    await(input.start(
         mono, [&](const AudioBuffer &buffer) { recording.append(buffer); },
-        [&](const QString &reason) { end = reason; });
+        [&](const QString &reason) { end = reason; }));
     const auto start = SteadyClock::now();
     while (millisecondsSince(start) < seconds * 1000 && end.isEmpty())
         waitFor(100ms);

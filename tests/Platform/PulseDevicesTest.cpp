@@ -14,17 +14,17 @@ using testing::Each;
 using testing::Le;
 
 TEST_F(PulseAudioInputTest, TheFormatFollowsTheDefaultSource) {
-    EXPECT_EQ(input.format(), mono);
+    EXPECT_EQ(await(input.format()), mono);
     sound.control(
         QStringLiteral("load-module module-null-sink sink_name=other rate=44100 channels=2 "
                        "norewinds=1"));
     sound.control(QStringLiteral("load-module module-remap-source source_name=stereo "
                                  "master=other.monitor"));
     sound.control(QStringLiteral("set-default-source stereo"));
-    EXPECT_TRUE(waitUntil([&] { return input.format() == AudioFormat{44100, 2}; }));
+    EXPECT_TRUE(waitUntil([&] { return await(input.format()) == AudioFormat{44100, 2}; }));
 
     Ear ear;
-    input.start({44100, 2}, ear.tap(), nobody());
+    await(input.start({44100, 2}, ear.tap(), nobody()));
     ASSERT_TRUE(waitUntil([&] { return ear.frames() >= 2048; }));
     input.stop();
     EXPECT_EQ(qint64(ear.heard().size()), 2 * ear.frames());
@@ -32,78 +32,103 @@ TEST_F(PulseAudioInputTest, TheFormatFollowsTheDefaultSource) {
 
 TEST_F(PulseAudioInputTest, TheSoundOfALoudspeakerIsNoMicrophone) {
     sound.control(QStringLiteral("set-default-source virtmic.monitor"));
-    EXPECT_TRUE(waitUntil([&] { return !input.format().isUsable(); }));
+    EXPECT_TRUE(waitUntil([&] { return !await(input.format()).isUsable(); }));
 }
 
 TEST_F(PulseAudioInputTest, ALostMicrophoneDeliversWhatItHeardAndSaysSo) {
     Ear ear;
     QString reason;
-    input.start(mono, ear.tap(), [&](const QString &text) { reason = text; });
+    await(input.start(mono, ear.tap(), [&](const QString &text) { reason = text; }));
     ASSERT_TRUE(waitUntil([&] { return ear.frames() >= 2048; }));
     loseMicrophone();
     ASSERT_TRUE(waitUntil([&] { return !reason.isEmpty(); }));
     EXPECT_EQ(reason, QStringLiteral("The microphone was disconnected."));
     EXPECT_THAT(ear.sizes(), Each(Le(2048)));
-    EXPECT_TRUE(waitUntil([&] { return !input.format().isUsable(); }));
+    EXPECT_TRUE(waitUntil([&] { return !await(input.format()).isUsable(); }));
 }
 
 TEST_F(PulseAudioInputTest, AServerThatEndsIsToldAndAnotherIsReachedByTheNextStart) {
     Ear ear;
     QString reason;
-    input.start(mono, ear.tap(), [&](const QString &text) { reason = text; });
+    await(input.start(mono, ear.tap(), [&](const QString &text) { reason = text; }));
     ASSERT_TRUE(waitUntil([&] { return ear.frames() >= 2048; }));
     sound.kill();
     ASSERT_TRUE(waitUntil([&] { return !reason.isEmpty(); }));
     EXPECT_EQ(reason, QStringLiteral("The sound server has ended."));
-    EXPECT_FALSE(input.format().isUsable());
-    EXPECT_THAT(errorOf([&] { input.start(mono, ear.tap(), nobody()); }).toStdString(),
+    EXPECT_FALSE(await(input.format()).isUsable());
+    EXPECT_THAT(errorOf([&] { await(input.start(mono, ear.tap(), nobody())); }).toStdString(),
                 testing::StartsWith("The sound server can’t be reached: "));
 
     sound.start();
-    EXPECT_EQ(input.format(), mono);
+    EXPECT_EQ(await(input.format()), mono);
     Ear next;
-    input.start(mono, next.tap(), nobody());
+    await(input.start(mono, next.tap(), nobody()));
     EXPECT_TRUE(waitUntil([&] { return next.frames() >= 2048; }));
     input.stop();
 }
 
+// Each call returns at once; what it promises comes in time, without its server too.
 TEST_F(PulseAudioInputTest, AServerThatHangsHoldsNobodyUpAndCatchesUp) {
     Ear ear;
-    input.start(mono, ear.tap(), nobody());
+    await(input.start(mono, ear.tap(), nobody()));
     ASSERT_TRUE(waitUntil([&] { return ear.frames() >= 2048; }));
     sound.hang();
-    EXPECT_LT(millisecondsOf([&] { input.stop(); }), 400);
-    EXPECT_LT(millisecondsOf([&] { input.format(); }), 100);
-    QString error;
-    EXPECT_LT(
-        millisecondsOf([&] { error = errorOf([&] { input.start(mono, ear.tap(), nobody()); }); }),
-        600);
-    EXPECT_EQ(error, QStringLiteral("The sound server doesn’t answer."));
-    PulseAudioInput other(clock);
+    const auto inTime = [&](auto function, double most) {
+        const auto begin = SteadyClock::now();
+        const auto task = Task<>::run(std::move(function));
+        EXPECT_LT(millisecondsSince(begin), longestStall);
+        EXPECT_TRUE(waitUntil([&] { return task.isDone(); }));
+        EXPECT_LT(millisecondsSince(begin), most);
+        return errorOf([&] { task.operator co_await().await_resume(); });
+    };
+    EXPECT_EQ(inTime(input.finish(), 400), QString());
+    EXPECT_LT(millisecondsOf([&] { await(input.format()); }), 100);
+    EXPECT_EQ(inTime(input.start(mono, ear.tap(), nobody()), 700),
+              QStringLiteral("The sound server doesn’t answer."));
+
+    std::optional<PulseAudioInput> other;
+    EXPECT_LT(millisecondsOf([&] { other.emplace(clock); }), longestStall);
     AudioFormat format;
-    EXPECT_LT(millisecondsOf([&] { format = other.format(); }), 800);
+    EXPECT_LT(millisecondsOf([&] { format = await(other->format()); }), 800);
     EXPECT_FALSE(format.isUsable());
 
     sound.goOn();
     Ear next;
-    input.start(mono, next.tap(), nobody());
+    await(input.start(mono, next.tap(), nobody()));
     EXPECT_TRUE(waitUntil([&] { return next.frames() >= 2048; }));
     input.stop();
-    EXPECT_EQ(other.format(), mono);
+    EXPECT_EQ(await(other->format()), mono);
+}
+
+TEST_F(PulseAudioInputTest, AServerThatEndsWhileAStartWaitsForItIsToldByTheStart) {
+    Ear ear;
+    EXPECT_EQ(await(input.format()), mono);
+    sound.hang();
+    bool isTold = false;
+    const auto starting =
+        Task<>::run(input.start(mono, ear.tap(), [&](const QString &) { isTold = true; }));
+    waitFor(20ms);
+    EXPECT_FALSE(starting.isDone());
+    sound.kill();
+    ASSERT_TRUE(waitUntil([&] { return starting.isDone(); }));
+    EXPECT_EQ(errorOf([&] { starting.operator co_await().await_resume(); }),
+              QStringLiteral("The sound server has ended."));
+    waitFor(20ms);
+    EXPECT_FALSE(isTold);
 }
 
 TEST_F(PulseAudioInputTest, ARecordingStaysWithItsMicrophoneWhenAnotherBecomesTheDefault) {
     const Noise noise(sound);
     Ear ear;
     bool hasEnded = false;
-    input.start(mono, ear.tap(), [&](const QString &) { hasEnded = true; });
+    await(input.start(mono, ear.tap(), [&](const QString &) { hasEnded = true; }));
     ASSERT_TRUE(waitUntil([&] { return ear.frames() >= 2048; }));
     sound.control(QStringLiteral("load-module module-null-sink sink_name=silent rate=48000 "
                                  "channels=2 norewinds=1"));
     sound.control(QStringLiteral("load-module module-remap-source source_name=other "
                                  "master=silent.monitor"));
     sound.control(QStringLiteral("set-default-source other"));
-    ASSERT_TRUE(waitUntil([&] { return input.format() == AudioFormat{48000, 2}; }));
+    ASSERT_TRUE(waitUntil([&] { return await(input.format()) == AudioFormat{48000, 2}; }));
     const qint64 before = ear.frames();
     ASSERT_TRUE(waitUntil([&] { return ear.frames() >= before + 3 * 2048; }));
     input.stop();
@@ -116,19 +141,19 @@ TEST_F(PulseAudioInputTest, ARecordingStaysWithItsMicrophoneWhenAnotherBecomesTh
 TEST_F(PulseAudioInputTest, AMicrophoneThatComesBackIsHeardByTheNextStart) {
     Ear ear;
     QString reason;
-    input.start(mono, ear.tap(), [&](const QString &text) { reason = text; });
+    await(input.start(mono, ear.tap(), [&](const QString &text) { reason = text; }));
     ASSERT_TRUE(waitUntil([&] { return ear.frames() >= 2048; }));
     loseMicrophone();
-    ASSERT_TRUE(waitUntil([&] { return !reason.isEmpty() && !input.format().isUsable(); }));
-    EXPECT_EQ(errorOf([&] { input.start(mono, ear.tap(), nobody()); }),
+    ASSERT_TRUE(waitUntil([&] { return !reason.isEmpty() && !await(input.format()).isUsable(); }));
+    EXPECT_EQ(errorOf([&] { await(input.start(mono, ear.tap(), nobody())); }),
               QStringLiteral("There is no microphone."));
 
     sound.control(QStringLiteral("load-module module-remap-source source_name=mic "
                                  "master=virtmic.monitor"));
     sound.control(QStringLiteral("set-default-source mic"));
-    ASSERT_TRUE(waitUntil([&] { return input.format() == mono; }));
+    ASSERT_TRUE(waitUntil([&] { return await(input.format()) == mono; }));
     Ear next;
-    input.start(mono, next.tap(), nobody());
+    await(input.start(mono, next.tap(), nobody()));
     EXPECT_TRUE(waitUntil([&] { return next.frames() >= 2048; }));
     input.stop();
 }
@@ -136,7 +161,7 @@ TEST_F(PulseAudioInputTest, AMicrophoneThatComesBackIsHeardByTheNextStart) {
 TEST_F(PulseAudioInputTest, ARecordingGoesOnAfterAServerThatHungForAWhile) {
     Ear ear;
     bool hasEnded = false;
-    input.start(mono, ear.tap(), [&](const QString &) { hasEnded = true; });
+    await(input.start(mono, ear.tap(), [&](const QString &) { hasEnded = true; }));
     ASSERT_TRUE(waitUntil([&] { return ear.frames() >= 2048; }));
     sound.hang();
     waitFor(300ms);
@@ -152,7 +177,7 @@ TEST_F(PulseAudioInputTest, ItCanBeDestroyedWhileItRecordsAndWhileItConnects) {
         Ear ear;
         {
             PulseAudioInput other(clock);
-            other.start(mono, ear.tap(), nobody());
+            await(other.start(mono, ear.tap(), nobody()));
             waitUntil([&] { return ear.frames() > 0; });
         }
         const qint64 frames = ear.frames();
@@ -170,11 +195,11 @@ TEST(PulseAudioInputWithoutServerTest, NobodyIsHeldUpAndTheErrorSaysWhy) {
     QString error;
     std::optional<PulseAudioInput> input;
     EXPECT_LT(millisecondsOf([&] { input.emplace(application.clock); }), 50);
-    EXPECT_LT(millisecondsOf([&] { format = input->format(); }), 50);
+    EXPECT_LT(millisecondsOf([&] { format = application.await(input->format()); }), 50);
     EXPECT_LT(millisecondsOf([&] {
                   error = errorOf([&] {
-                      input->start(
-                          mono, [](const AudioBuffer &) {}, nobody());
+                      application.await(input->start(
+                          mono, [](const AudioBuffer &) {}, nobody()));
                   });
               }),
               50);

@@ -100,6 +100,10 @@ inline AudioInput::Ended nobody() {
     return [](const QString &) {};
 }
 
+/// The longest that the calls of an input may hold up the main thread, on a machine that is busy
+/// with other things.
+inline constexpr double longestStall = 50;
+
 /// The application and its clock, on whose event loop the test waits.
 struct Application {
     int count = 0;
@@ -113,6 +117,13 @@ struct Application {
         while (!condition() && millisecondsSince(start) < 10'000)
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         return condition();
+    }
+    /// What an asynchronous function gives, or throws.
+    template <class T>
+    T await(Async<T> function) {
+        const auto task = Task<T>::run(std::move(function));
+        EXPECT_TRUE(waitUntil([&] { return task.isDone(); }));
+        return task.operator co_await().await_resume();
     }
     void waitFor(std::chrono::milliseconds duration) {
         const auto start = SteadyClock::now();
@@ -141,9 +152,11 @@ private:
 };
 
 struct Fake : Application {
-    FakeAudioInput input;
+    FakeAudioInput input{clock};
 
     void hear() { input.deliver(2048, 0.25F); }
+    void beSlow() { input.isSlow = true; }
+    void goOn() { input.goOn(); }
     void loseMicrophone() { input.end(QStringLiteral("gone")); }
     void haveNoMicrophone() {
         input.nativeFormat = {};
@@ -157,10 +170,12 @@ struct Pulse : Application {
     PulseAudioInput input{clock};
 
     void hear() {}
+    void beSlow() {} // it is a server
+    void goOn() {}
     void loseMicrophone() { sound.control(QStringLiteral("unload-module module-remap-source")); }
     void haveNoMicrophone() {
         loseMicrophone();
-        waitUntil([this] { return !input.format().isUsable(); });
+        waitUntil([this] { return !await(input.format()).isUsable(); });
     }
 };
 

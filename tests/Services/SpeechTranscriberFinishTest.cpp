@@ -75,6 +75,64 @@ TEST_F(SpeechTranscriberFinishTest, LastWordsThatTheInputHeldBackAreInTheFile) {
     EXPECT_DOUBLE_EQ(transcriber.recordedDuration(), 1.01);
 }
 
+TEST_F(SpeechTranscriberFinishTest, WordsThatAreOnTheirWayAreWaitedFor) {
+    start();
+    speak(1s);
+    ports.audioInput.isSlow = true;
+    stop();
+    EXPECT_FALSE(transcriber.isRecording());
+    EXPECT_EQ(transcriber.level(), 0);
+    start();
+    EXPECT_EQ(startError, TranscriptionError::Kind::alreadyRecording);
+    std::optional<QString> joined;
+    const auto join = [](SpeechTranscriber &stopped, std::optional<QString> &result) -> Async<> {
+        result = co_await stopped.stop();
+    };
+    Task<>::run(join(transcriber, joined));
+    speak(100ms);
+    EXPECT_EQ(transcriber.level(), 0) << "the meter is at rest";
+    EXPECT_EQ(transcriber.recordedDuration(), 1);
+    EXPECT_TRUE(ports.speech.fileRequests().empty());
+
+    ports.audioInput.goOn();
+    clock().runUntilIdle();
+    EXPECT_DOUBLE_EQ(transcriber.recordedDuration(), 1.1);
+    answerChunk(u"Hello."_s);
+    EXPECT_EQ(text, u"Hello."_s);
+    EXPECT_EQ(joined, u"Hello."_s);
+    EXPECT_TRUE(transcriber.transcriptionComplete());
+}
+
+TEST_F(SpeechTranscriberFinishTest, CancelWhileTheLastWordsAreWaitedForEndsTheStop) {
+    for (const bool preserves : {false, true}) {
+        ports.audioInput.isSlow = false;
+        start();
+        speak(1s);
+        ports.audioInput.isSlow = true;
+        stop();
+        transcriber.cancel(preserves);
+        EXPECT_FALSE(ports.audioInput.isRunning());
+        EXPECT_EQ(ports.recordingFolders().isEmpty(), !preserves);
+        clock().runUntilIdle();
+        EXPECT_EQ(text, QString());
+        EXPECT_TRUE(ports.speech.fileRequests().empty());
+        EXPECT_EQ(transcriber.processingMessage(), QString());
+    }
+}
+
+TEST_F(SpeechTranscriberFinishTest, MicrophoneThatGoesWhileTheLastWordsAreWaitedForIsNoProblem) {
+    start();
+    speak(1s);
+    ports.audioInput.isSlow = true;
+    stop();
+    ports.audioInput.end(u"Entity killed"_s);
+    ports.audioInput.goOn();
+    clock().runUntilIdle();
+    answerChunk(u"Hello."_s);
+    EXPECT_TRUE(transcriber.transcriptionComplete());
+    EXPECT_EQ(transcriber.errorMessage(), QString());
+}
+
 TEST_F(SpeechTranscriberFinishTest, LongRecordingIsRecognisedInChunksAndStitched) {
     start();
     speak(61500ms);

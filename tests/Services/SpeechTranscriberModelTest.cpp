@@ -50,7 +50,7 @@ public:
         else if (choice < 80)
             clock.runOnePosted();
         else if (choice < 90)
-            clock.runUntilIdle();
+            answerOfTheSoundServer();
         else if (choice < 96)
             clock.advance(random.one(
                 std::vector<std::chrono::nanoseconds>{1ms, 300ms, 1s, 30s, 119s, 120s, 400s}));
@@ -62,6 +62,8 @@ public:
     /// Lets everything come to its end.
     void drain() {
         clock.holdsBackground = false;
+        ports.audioInput.isSlow = false;
+        ports.audioInput.goOn();
         ports.permissions.answerMicrophone(true);
         ports.permissions.answerSpeech(true);
         clock.runUntilIdle();
@@ -224,6 +226,7 @@ private:
         const QString url = folder + u"/recording.caf"_s;
         const QString offered = transcriber->recoveryAudioURL();
         const QString shown = transcriber->transcript();
+        const bool isOpening = isStarting && folder.isEmpty();
         transcriber->cancel(preserves);
         EXPECT_FALSE(transcriber->transcriptionComplete());
         EXPECT_EQ(transcriber->processingMessage(), QString());
@@ -235,6 +238,11 @@ private:
                 keep(url);
             else
                 ++discarded;
+        } else if (isOpening && transcriber->recoveryAudioURL() != offered) {
+            // The sound server was still waited for, and the first audio may have come.
+            EXPECT_TRUE(preserves);
+            EXPECT_EQ(transcriber->recoveryAudioURL(), newFolder() + u"/recording.caf"_s);
+            keep(transcriber->recoveryAudioURL());
         }
         folder.clear();
         isAlive = isOpen = isFinishing = false;
@@ -254,7 +262,7 @@ private:
         const bool isFull = random.number(0, 49) == 0;
         if (isFull)
             ports.audioFile.frameLimit = 0;
-        if (ports.audioInput.isRunning() && isFull)
+        if (ports.audioInput.tap() && isFull)
             hasCaptureFailed = true;
         ports.audioInput.deliver(random.number(100, 1000), 0.1F);
         ports.audioFile.frameLimit = std::numeric_limits<qint64>::max();
@@ -327,7 +335,7 @@ private:
     // What else may change
 
     void changeTheWorld() {
-        switch (random.number(0, 7)) {
+        switch (random.number(0, 8)) {
         case 0: clock.holdsBackground = random.coin(); break;
         case 1: ports.speech.hasAnalyzer = random.coin(); break;
         case 2: ports.audioInput.nativeFormat = random.number(0, 9) ? usual : AudioFormat{}; break;
@@ -343,7 +351,14 @@ private:
             if (random.number(0, 9) == 0)
                 replaceTheTranscriber();
             break;
+        case 8: ports.audioInput.isSlow = random.coin(); break;
         }
+    }
+
+    void answerOfTheSoundServer() {
+        if (random.coin())
+            ports.audioInput.goOn();
+        clock.runUntilIdle();
     }
 
     void answerPrompts() {
@@ -367,6 +382,9 @@ private:
         if (!folder.isEmpty())
             keep(folder + u"/recording.caf"_s);
         folder.clear();
+        // What was only being opened stays, too.
+        for (const QString &found : ports.recordingFolders())
+            folders.insert(found);
         ++instance;
         transcriber = std::make_unique<SpeechTranscriber>(ports);
         isStarting = isAlive = isOpen = isFinishing = isCancelled = false;

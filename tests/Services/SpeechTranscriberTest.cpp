@@ -158,6 +158,81 @@ TEST_F(SpeechTranscriberTest, CallerCancelledDuringAPromptIsToldSo) {
     EXPECT_EQ(transcriber.errorMessage(), u"Dictation was cancelled."_s);
 }
 
+// A sound server that takes its time
+
+TEST_F(SpeechTranscriberTest, StartWaitsForASlowSoundServerAndIsAloneMeanwhile) {
+    ports.audioInput.isSlow = true;
+    start();
+    for (int i = 0; i < 2; ++i) { // for the format, then for the source
+        EXPECT_FALSE(started);
+        EXPECT_FALSE(transcriber.isRecording());
+        EXPECT_EQ(transcriber.processingMessage(), u"Preparing microphone…"_s);
+        const auto first = starting;
+        start();
+        EXPECT_EQ(startError, Kind::alreadyRecording);
+        starting = first;
+        ports.audioInput.goOn();
+        clock().runUntilIdle();
+    }
+    EXPECT_TRUE(started);
+    EXPECT_TRUE(transcriber.isRecording());
+}
+
+/// The two waits of a start for the sound server.
+class SlowStartTest : public SpeechTranscriberFixture, public testing::WithParamInterface<int> {
+protected:
+    void SetUp() override {
+        ports.audioInput.isSlow = true;
+        start();
+        for (int i = 0; i < GetParam(); ++i) {
+            ports.audioInput.goOn();
+            clock().runUntilIdle();
+        }
+        ASSERT_FALSE(starting.isDone());
+    }
+    void TearDown() override {
+        EXPECT_FALSE(ports.audioInput.isRunning());
+        EXPECT_TRUE(ports.recordingFolders().isEmpty());
+        ports.audioInput.isSlow = false;
+        start();
+        EXPECT_TRUE(started) << "a next one is not concerned";
+    }
+    void goOn() {
+        ports.audioInput.goOn();
+        clock().runUntilIdle();
+        EXPECT_EQ(startError, Kind::cancelled);
+    }
+};
+INSTANTIATE_TEST_SUITE_P(Waits, SlowStartTest, testing::Values(0, 1));
+
+TEST_P(SlowStartTest, CancelMakesTheStartThrowAndSetsNoError) {
+    transcriber.cancel();
+    EXPECT_TRUE(ports.recordingFolders().isEmpty());
+    goOn();
+    EXPECT_EQ(transcriber.errorMessage(), QString());
+}
+
+TEST_P(SlowStartTest, CancelWinsOverAnInputThatWillNotStart) {
+    ports.audioInput.startError = u"The source is busy"_s;
+    transcriber.cancel();
+    goOn();
+    EXPECT_EQ(transcriber.errorMessage(), QString());
+    ports.audioInput.startError.reset();
+}
+
+TEST_P(SlowStartTest, StopGivesNothingAndTheStartThrows) {
+    stop();
+    EXPECT_EQ(text, QString());
+    goOn();
+    EXPECT_EQ(transcriber.errorMessage(), QString());
+}
+
+TEST_P(SlowStartTest, CancelledCallerIsToldSo) {
+    starting.cancel();
+    goOn();
+    EXPECT_EQ(transcriber.errorMessage(), u"Dictation was cancelled."_s);
+}
+
 // The tap
 
 TEST_F(SpeechTranscriberTest, BuffersReachTheFileTheMeterAndTheLiveRequest) {

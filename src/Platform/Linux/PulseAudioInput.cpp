@@ -31,15 +31,21 @@ QString reasonOf(int error) {
 
 } // namespace
 
-/// What the audio thread works on; guarded by the lock of the connection.
+/// One recording, from `start` to `stop`. What the audio thread works on is guarded by the lock of
+/// the connection.
 struct PulseAudioInput::Recording {
     PulseAudioInput &owner;
     const AudioFormat format;
     const Tap tap;
     const Ended ended;
+    const SteadyClock::time_point deadline; // for the server to have it running
     pa_stream *stream = nullptr;
+    pa_operation *timing = nullptr; // the question how much is on its way
     std::weak_ptr<Recording> self;
     bool isLost = false;
+    bool isTimed = false;     // `timing` is answered
+    bool isFinishing = false; // main thread only
+    bool isOver = false;      // written on the main thread only; then `owner` may be gone
 
     std::vector<float> buffer = std::vector<float>(size_t(bufferFrames * format.channelCount));
     qsizetype filled = 0; // frames in the buffer
@@ -73,64 +79,103 @@ struct PulseAudioInput::Recording {
     }
 };
 
-PulseAudioInput::PulseAudioInput(Clock &clock) : clock_(clock) {}
+PulseAudioInput::PulseAudioInput(Clock &clock) : clock_(clock), connection_(clock) {}
 
 PulseAudioInput::~PulseAudioInput() { release(); }
 
-AudioFormat PulseAudioInput::format() {
+Async<AudioFormat> PulseAudioInput::format() {
+    const bool isReached = co_await connection_.reach(SteadyClock::now() + answerLimit);
     const PulseConnection::Lock lock(connection_);
-    if (!connection_.reach(SteadyClock::now() + answerLimit) || !connection_.defaultSource())
-        return {};
+    if (!isReached || !connection_.defaultSource())
+        co_return AudioFormat();
     const pa_sample_spec &spec = connection_.defaultSource()->spec;
-    return {double(spec.rate), spec.channels};
+    co_return AudioFormat{double(spec.rate), spec.channels};
 }
 
-void PulseAudioInput::start(const AudioFormat &format, Tap tap, Ended ended) {
+Async<> PulseAudioInput::start(AudioFormat format, Tap tap, Ended ended) {
     release();
-    const auto deadline = SteadyClock::now() + answerLimit;
+    const auto recording = std::make_shared<Recording>(Recording{*this,
+                                                                 format,
+                                                                 std::move(tap),
+                                                                 std::move(ended),
+                                                                 SteadyClock::now() + answerLimit,
+                                                                 nullptr,
+                                                                 nullptr,
+                                                                 {}});
+    recording->self = recording;
+    recording_ = recording;
+    try {
+        co_await open(recording);
+    } catch (const LocalizedError &) {
+        if (recording->isOver)
+            co_return;
+        release();
+        throw;
+    }
+}
+
+/// Returns when the server has it running, or it is over.
+Async<> PulseAudioInput::open(std::shared_ptr<Recording> recording) {
+    const bool isReached = co_await connection_.reach(recording->deadline);
+    if (recording->isOver)
+        co_return;
     {
         const PulseConnection::Lock lock(connection_);
-        if (!connection_.reach(deadline))
+        if (!isReached)
             throw LocalizedError(connection_.error());
-        if (!connection_.defaultSource())
-            throw LocalizedError(QStringLiteral("There is no microphone."));
-        const PulseConnection::Source &source = *connection_.defaultSource();
-
-        const pa_sample_spec spec{PA_SAMPLE_FLOAT32NE, uint32_t(std::lround(format.sampleRate)),
-                                  uint8_t(format.channelCount)};
-        const bool isNative = spec.channels == source.map.channels;
-        pa_stream *stream = pa_stream_new(connection_.context(), "Dictation", &spec,
-                                          isNative ? &source.map : nullptr);
-        if (!stream)
-            throw LocalizedError(QStringLiteral("The audio format can’t be recorded."));
-
-        recording_ = std::make_shared<Recording>(
-            Recording{*this, format, std::move(tap), std::move(ended), stream, {}});
-        recording_->self = recording_;
-        pa_stream_set_read_callback(stream, readable, recording_.get());
-        pa_stream_set_state_callback(stream, stateChanged, recording_.get());
-
-        pa_buffer_attr attributes{};
-        attributes.maxlength = uint32_t(-1);
-        attributes.fragsize =
-            uint32_t(pa_usec_to_bytes(std::chrono::microseconds(deliveryInterval).count(), &spec));
-        // Without DONT_MOVE a stream whose microphone goes moves on to what the loudspeakers play.
-        const auto flags = pa_stream_flags_t(PA_STREAM_DONT_MOVE | PA_STREAM_ADJUST_LATENCY);
-        pa_stream_connect_record(stream, source.name.constData(), &attributes, flags);
-        connection_.waitUntil(deadline, [stream] {
-            const pa_stream_state_t state = pa_stream_get_state(stream);
-            return state == PA_STREAM_READY || !PA_STREAM_IS_GOOD(state);
-        });
-        if (pa_stream_get_state(stream) == PA_STREAM_READY)
-            return;
+        connectStream(recording);
     }
-    const QString error = [this] {
-        const PulseConnection::Lock lock(connection_);
-        return recording_->isLost ? reasonOf(pa_context_errno(connection_.context()))
-                                  : connection_.error();
-    }();
-    release();
-    throw LocalizedError(error);
+    // What waits holds no share: the audio thread may be the last to let go of it.
+    const PulseConnection::Condition isSettled = [recording = recording.get()] {
+        if (recording->isOver)
+            return true;
+        const pa_stream_state_t state = pa_stream_get_state(recording->stream);
+        return state == PA_STREAM_READY || !PA_STREAM_IS_GOOD(state);
+    };
+    co_await connection_.waitUntil(recording->deadline, isSettled);
+    if (recording->isOver)
+        co_return;
+    const PulseConnection::Lock lock(connection_);
+    if (recording->isLost)
+        throw LocalizedError(reasonOf(pa_context_errno(connection_.context())));
+    if (pa_stream_get_state(recording->stream) != PA_STREAM_READY)
+        throw LocalizedError(connection_.error());
+}
+
+/// The lock is held.
+void PulseAudioInput::connectStream(const std::shared_ptr<Recording> &recording) {
+    if (!connection_.defaultSource())
+        throw LocalizedError(QStringLiteral("There is no microphone."));
+    const PulseConnection::Source &source = *connection_.defaultSource();
+    const AudioFormat &format = recording->format;
+    const pa_sample_spec spec{PA_SAMPLE_FLOAT32NE, uint32_t(std::lround(format.sampleRate)),
+                              uint8_t(format.channelCount)};
+    const bool isNative = spec.channels == source.map.channels;
+    pa_stream *stream =
+        pa_stream_new(connection_.context(), "Dictation", &spec, isNative ? &source.map : nullptr);
+    if (!stream)
+        throw LocalizedError(QStringLiteral("The audio format can’t be recorded."));
+    recording->stream = stream;
+    pa_stream_set_read_callback(stream, readable, recording.get());
+    pa_stream_set_state_callback(stream, stateChanged, recording.get());
+
+    pa_buffer_attr attributes{};
+    attributes.maxlength = uint32_t(-1);
+    attributes.fragsize =
+        uint32_t(pa_usec_to_bytes(std::chrono::microseconds(deliveryInterval).count(), &spec));
+    // Without DONT_MOVE a stream whose microphone goes moves on to what the loudspeakers play.
+    const auto flags = pa_stream_flags_t(PA_STREAM_DONT_MOVE | PA_STREAM_ADJUST_LATENCY);
+    pa_stream_connect_record(stream, source.name.constData(), &attributes, flags);
+}
+
+Async<> PulseAudioInput::finish() {
+    const auto recording = recording_;
+    if (!recording)
+        co_return;
+    recording->isFinishing = true;
+    co_await awaitTail(recording);
+    if (!recording->isOver)
+        stop();
 }
 
 void PulseAudioInput::stop() {
@@ -138,48 +183,50 @@ void PulseAudioInput::stop() {
         return;
     {
         const PulseConnection::Lock lock(connection_);
-        awaitTail();
         recording_->deliver();
     }
     release();
 }
 
-/// Waits until everything heard before the call has arrived. The lock is held.
-void PulseAudioInput::awaitTail() {
+/// Waits until everything heard before the call has arrived.
+Async<> PulseAudioInput::awaitTail(std::shared_ptr<Recording> recording) {
     const auto stopped = SteadyClock::now();
     const auto deadline = stopped + tailLimit;
-    Recording &recording = *recording_;
-    if (recording.isLost || recording.received == 0)
-        return;
-
-    struct Answer {
-        PulseConnection &connection;
-        bool isThere;
-    } answer{connection_, false};
-    const auto answered = [](pa_stream *, int, void *data) {
-        auto *reply = static_cast<Answer *>(data);
-        reply->isThere = true;
-        reply->connection.signal();
+    qint64 before = 0;
+    SteadyClock::duration silence{};
+    {
+        const PulseConnection::Lock lock(connection_);
+        if (recording->isLost || recording->received == 0)
+            co_return;
+        before = recording->received;
+        silence = stopped - recording->lastArrival;
+        recording->timing = pa_stream_update_timing_info(recording->stream, timed, recording.get());
+        if (!recording->timing)
+            co_return;
+    }
+    const PulseConnection::Condition isAnswered = [recording = recording.get()] {
+        return recording->isTimed || recording->isLost || recording->isOver;
     };
-    const qint64 before = recording.received;
-    const auto silence = stopped - recording.lastArrival;
-    pa_operation *question = pa_stream_update_timing_info(recording.stream, answered, &answer);
-    if (!question)
-        return;
-    connection_.waitUntil(deadline, [&] { return answer.isThere || recording.isLost; });
-    pa_operation_cancel(question);
-    pa_operation_unref(question);
+    co_await connection_.waitUntil(deadline, isAnswered);
+    if (recording->isOver)
+        co_return;
 
-    pa_usec_t latency = 0;
-    int isNegative = 0;
-    if (pa_stream_get_latency(recording.stream, &latency, &isNegative) < 0 || isNegative)
-        latency = 0;
-    const auto missing =
-        std::max<SteadyClock::duration>(silence, std::chrono::microseconds(latency));
-    const auto frames =
-        qint64(std::chrono::duration<double>(missing).count() * recording.format.sampleRate);
-    connection_.waitUntil(
-        deadline, [&] { return recording.received - before >= frames || recording.isLost; });
+    qint64 frames = 0;
+    {
+        const PulseConnection::Lock lock(connection_);
+        pa_usec_t latency = 0;
+        int isNegative = 0;
+        if (pa_stream_get_latency(recording->stream, &latency, &isNegative) < 0 || isNegative)
+            latency = 0;
+        const auto missing =
+            std::max<SteadyClock::duration>(silence, std::chrono::microseconds(latency));
+        frames =
+            qint64(std::chrono::duration<double>(missing).count() * recording->format.sampleRate);
+    }
+    const PulseConnection::Condition hasArrived = [recording = recording.get(), before, frames] {
+        return recording->received - before >= frames || recording->isLost || recording->isOver;
+    };
+    co_await connection_.waitUntil(deadline, hasArrived);
 }
 
 /// Ends the recording: once the stream is gone, nothing calls the tap.
@@ -187,12 +234,25 @@ void PulseAudioInput::release() {
     if (!recording_)
         return;
     const PulseConnection::Lock lock(connection_);
-    pa_stream *stream = recording_->stream;
-    pa_stream_set_read_callback(stream, nullptr, nullptr);
-    pa_stream_set_state_callback(stream, nullptr, nullptr);
-    pa_stream_disconnect(stream);
-    pa_stream_unref(stream);
-    recording_.reset();
+    const auto recording = std::exchange(recording_, nullptr);
+    if (pa_operation *timing = std::exchange(recording->timing, nullptr)) {
+        pa_operation_cancel(timing);
+        pa_operation_unref(timing);
+    }
+    if (pa_stream *stream = recording->stream) {
+        pa_stream_set_read_callback(stream, nullptr, nullptr);
+        pa_stream_set_state_callback(stream, nullptr, nullptr);
+        pa_stream_disconnect(stream);
+        pa_stream_unref(stream);
+    }
+    recording->isOver = true;
+    connection_.signal();
+}
+
+void PulseAudioInput::timed(pa_stream *, int, void *data) {
+    auto *recording = static_cast<Recording *>(data);
+    recording->isTimed = true;
+    recording->owner.connection_.signal();
 }
 
 void PulseAudioInput::readable(pa_stream *stream, size_t, void *data) {
@@ -213,16 +273,18 @@ void PulseAudioInput::readable(pa_stream *stream, size_t, void *data) {
 
 void PulseAudioInput::stateChanged(pa_stream *stream, void *data) {
     auto *recording = static_cast<Recording *>(data);
-    recording->owner.connection_.signal();
-    if (PA_STREAM_IS_GOOD(pa_stream_get_state(stream)) || recording->isLost)
+    if (PA_STREAM_IS_GOOD(pa_stream_get_state(stream)) || recording->isLost) {
+        recording->owner.connection_.signal();
         return;
+    }
     recording->isLost = true;
     recording->deliver();
+    recording->owner.connection_.signal();
     const QString reason = reasonOf(pa_context_errno(pa_stream_get_context(stream)));
     PulseAudioInput &owner = recording->owner;
     owner.clock_.post([&owner, weak = recording->self, reason] {
         const auto lost = weak.lock();
-        if (!lost || lost != owner.recording_)
+        if (!lost || lost != owner.recording_ || lost->isFinishing)
             return;
         owner.release();
         lost->ended(reason);

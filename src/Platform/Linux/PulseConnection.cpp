@@ -1,5 +1,7 @@
 #include "Platform/Linux/PulseConnection.h"
 
+#include <algorithm>
+#include <iterator>
 #include <new>
 
 namespace lorvane {
@@ -12,7 +14,8 @@ void forget(pa_operation *operation) {
 
 } // namespace
 
-PulseConnection::PulseConnection() : mainloop_(pa_threaded_mainloop_new()) {
+PulseConnection::PulseConnection(Clock &clock)
+    : clock_(clock), mainloop_(pa_threaded_mainloop_new()) {
     if (!mainloop_ || pa_threaded_mainloop_start(mainloop_) < 0)
         throw std::bad_alloc();
     const Lock lock(*this);
@@ -23,41 +26,71 @@ PulseConnection::~PulseConnection() {
     {
         const Lock lock(*this);
         disconnect();
+        for (const Wait &wait : waits_)
+            pa_threaded_mainloop_get_api(mainloop_)->time_free(wait.limit);
+        waits_.clear();
     }
     pa_threaded_mainloop_stop(mainloop_);
     pa_threaded_mainloop_free(mainloop_);
 }
 
-bool PulseConnection::reach(std::chrono::steady_clock::time_point deadline) {
-    if (!isGood())
-        connect();
-    waitUntil(deadline, [this] { return isSourceKnown_ || !isGood(); });
-    return isSourceKnown_ && isGood();
+Async<bool> PulseConnection::reach(TimePoint deadline) {
+    {
+        const Lock lock(*this);
+        if (!isGood())
+            connect();
+    }
+    const Condition isKnown = [this] { return isSourceKnown_ || !isGood(); };
+    co_await waitUntil(deadline, isKnown);
+    const Lock lock(*this);
+    co_return isSourceKnown_ &&isGood();
 }
 
-bool PulseConnection::waitUntil(std::chrono::steady_clock::time_point deadline,
-                                const std::function<bool()> &condition) {
-    struct Limit {
-        pa_threaded_mainloop *mainloop;
-        bool isOver;
-    } limit{mainloop_, false};
-    const auto over = [](pa_mainloop_api *, pa_time_event *, const timeval *, void *data) {
-        auto *reached = static_cast<Limit *>(data);
-        reached->isOver = true;
-        pa_threaded_mainloop_signal(reached->mainloop, 0);
+Async<bool> PulseConnection::waitUntil(TimePoint deadline, Condition condition) {
+    {
+        const Lock lock(*this);
+        if (condition())
+            co_return true;
+    }
+    const auto wait = [&](const Continuation<bool> &waiter) {
+        const Lock lock(*this);
+        addWait(deadline, condition, waiter);
     };
-    const auto wait = std::chrono::duration_cast<std::chrono::microseconds>(
+    co_return co_await suspend<bool>(clock_, wait);
+}
+
+void PulseConnection::addWait(TimePoint deadline, const Condition &condition,
+                              const Continuation<bool> &waiter) {
+    const auto left = std::chrono::duration_cast<std::chrono::microseconds>(
         deadline - std::chrono::steady_clock::now());
-    if (condition())
-        return true;
-    if (wait.count() <= 0)
-        return false;
-    pa_time_event *timer =
-        pa_context_rttime_new(context_, pa_rtclock_now() + pa_usec_t(wait.count()), over, &limit);
-    while (!condition() && !limit.isOver)
-        pa_threaded_mainloop_wait(mainloop_);
-    pa_threaded_mainloop_get_api(mainloop_)->time_free(timer);
-    return condition();
+    // It may have come to hold while nobody had the lock.
+    if (condition() || left.count() <= 0) {
+        waiter.resume(condition());
+        return;
+    }
+    Wait &wait = waits_.emplace_back(Wait{condition, waiter, nullptr});
+    wait.limit = pa_context_rttime_new(context_, pa_rtclock_now() + pa_usec_t(left.count()),
+                                       limitReached, this);
+}
+
+void PulseConnection::signal() {
+    for (auto wait = waits_.begin(); wait != waits_.end();)
+        wait = wait->condition() ? end(wait, true) : std::next(wait);
+}
+
+void PulseConnection::limitReached(pa_mainloop_api *, pa_time_event *limit, const timeval *,
+                                   void *self) {
+    auto &connection = *static_cast<PulseConnection *>(self);
+    const auto wait = std::find_if(connection.waits_.begin(), connection.waits_.end(),
+                                   [limit](const Wait &waiting) { return waiting.limit == limit; });
+    connection.end(wait, wait->condition());
+}
+
+std::list<PulseConnection::Wait>::iterator PulseConnection::end(std::list<Wait>::iterator wait,
+                                                                bool holds) {
+    pa_threaded_mainloop_get_api(mainloop_)->time_free(wait->limit);
+    wait->waiter.resume(holds);
+    return waits_.erase(wait);
 }
 
 QString PulseConnection::error() const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Task.h"
+
 #include <pulse/pulseaudio.h>
 
 #include <QByteArray>
@@ -7,15 +9,20 @@
 
 #include <chrono>
 #include <functional>
+#include <list>
 #include <optional>
 
 namespace lorvane {
 
 /// The connection to the sound server, PulseAudio or PipeWire, on libpulse's own thread. It knows
-/// the default source and keeps that knowledge fresh. Everything but making and destroying it needs
-/// a Lock, which libpulse's thread holds too while it calls back.
+/// the default source and keeps that knowledge fresh. What libpulse's thread calls back has its
+/// Lock, and so must everything here but making, destroying and waiting; nobody holds it for long.
 class PulseConnection {
 public:
+    using TimePoint = std::chrono::steady_clock::time_point;
+    /// Looked at with the Lock, by either thread. Must not throw.
+    using Condition = std::function<bool()>;
+
     struct Source {
         QByteArray name;
         pa_sample_spec spec{};
@@ -35,15 +42,16 @@ public:
         pa_threaded_mainloop *mainloop_;
     };
 
-    /// Begins to connect and doesn't wait for it.
-    PulseConnection();
+    /// Begins to connect and doesn't wait for it. `clock` resumes what waits.
+    explicit PulseConnection(Clock &clock);
     PulseConnection(const PulseConnection &) = delete;
     PulseConnection &operator=(const PulseConnection &) = delete;
+    /// What waits is never resumed then.
     ~PulseConnection();
 
     /// Connects, again if need be, and waits for what the server says of the default source. False
-    /// when that isn't known in time; `error` says why.
-    bool reach(std::chrono::steady_clock::time_point deadline);
+    /// when that isn't known in time; `error` says why. Main thread, without the Lock.
+    Async<bool> reach(TimePoint deadline);
 
     /// The default source, as far as it is a microphone: the sound of a loudspeaker is none.
     const std::optional<Source> &defaultSource() const { return source_; }
@@ -51,16 +59,26 @@ public:
     /// Valid after `reach`.
     pa_context *context() const { return context_; }
 
-    /// Waits, without the lock, until the condition holds; false when it doesn't in time. It is
-    /// looked at again after each `signal`.
-    bool waitUntil(std::chrono::steady_clock::time_point deadline,
-                   const std::function<bool()> &condition);
-    void signal() { pa_threaded_mainloop_signal(mainloop_, 0); }
+    /// Waits until the condition holds; false when it doesn't in time. It is looked at now, and
+    /// again after each `signal`. Main thread, without the Lock.
+    Async<bool> waitUntil(TimePoint deadline, Condition condition);
+    /// Allocates nothing unless somebody's wait is over.
+    void signal();
 
     /// What went wrong last, in words fit to show.
     QString error() const;
 
 private:
+    struct Wait {
+        Condition condition;
+        Continuation<bool> waiter;
+        pa_time_event *limit;
+    };
+    void addWait(TimePoint deadline, const Condition &condition, const Continuation<bool> &waiter);
+    std::list<Wait>::iterator end(std::list<Wait>::iterator wait, bool holds);
+    static void limitReached(pa_mainloop_api *api, pa_time_event *limit, const timeval *time,
+                             void *self);
+
     void connect();
     void disconnect();
     void query();
@@ -72,7 +90,9 @@ private:
     static void gotServer(pa_context *context, const pa_server_info *info, void *self);
     static void gotSource(pa_context *context, const pa_source_info *info, int end, void *self);
 
+    Clock &clock_;
     pa_threaded_mainloop *mainloop_;
+    std::list<Wait> waits_;
     pa_context *context_ = nullptr;
     std::optional<Source> source_;
     std::optional<Source> incoming_;
