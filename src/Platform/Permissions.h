@@ -4,8 +4,8 @@
 
 namespace lorvane {
 
-/// The three grants that the user gives to the program. Main thread only; each query is answered
-/// within a fifth of a second.
+/// The three grants that the user gives to the program. Main thread only; a query is answered from
+/// what is known at that moment, and may take a fifth of a second only the first time.
 class Permissions {
 public:
     Permissions() = default;

@@ -1,25 +1,10 @@
 #include "Platform/Linux/DesktopPermissions.h"
 
-#include <QDBusMessage>
-#include <QDBusPendingCall>
-#include <QDBusVariant>
-
 namespace lorvane {
 namespace {
 
-constexpr int accessibilityLimit = 200; // in milliseconds
-
 constexpr int notDetermined = 0;
 constexpr int authorized = 3;
-
-QDBusMessage accessibilityCall(const QString &method, const QVariantList &arguments) {
-    QDBusMessage message = QDBusMessage::createMethodCall(
-        QStringLiteral("org.a11y.Bus"), QStringLiteral("/org/a11y/bus"),
-        QStringLiteral("org.freedesktop.DBus.Properties"), method);
-    message.setArguments(
-        QVariantList{QStringLiteral("org.a11y.Status"), QStringLiteral("IsEnabled")} + arguments);
-    return message;
-}
 
 QString answeredKey(const QString &id) { return QStringLiteral("Lorvane.%1.answered").arg(id); }
 QString allowedKey(const QString &id) { return QStringLiteral("Lorvane.%1.allowed").arg(id); }
@@ -28,15 +13,18 @@ QString allowedKey(const QString &id) { return QStringLiteral("Lorvane.%1.allowe
 
 DesktopPermissions::DesktopPermissions(QDBusConnection sessionBus, UserDefaults &defaults,
                                        Prompt prompt, std::function<bool()> canPostKeys)
-    : sessionBus_(sessionBus),
-      defaults_(defaults),
+    : defaults_(defaults),
       prompt_(std::move(prompt)),
       canPostKeys_(std::move(canPostKeys)),
+      accessibility_(sessionBus),
       store_(std::move(sessionBus)),
       microphone_{QStringLiteral("devices"), QStringLiteral("microphone"),
                   QStringLiteral("“Lorvane” would like to access the microphone.")},
       speech_{QStringLiteral("lorvane"), QStringLiteral("speech-recognition"),
-              QStringLiteral("“Lorvane” would like to access speech recognition.")} {}
+              QStringLiteral("“Lorvane” would like to access speech recognition.")} {
+    store_.follow(microphone_.table, microphone_.id);
+    store_.follow(speech_.table, speech_.id);
+}
 
 int DesktopPermissions::microphoneStatus() {
     switch (read(microphone_)) {
@@ -68,20 +56,9 @@ Async<int> DesktopPermissions::requestSpeech() {
     co_return speechStatus();
 }
 
-bool DesktopPermissions::accessibilityTrusted() {
-    QDBusMessage question = accessibilityCall(QStringLiteral("Get"), {});
-    question.setAutoStartService(false); // a bus that nobody has started is off
-    const QDBusMessage reply = sessionBus_.call(question, QDBus::Block, accessibilityLimit);
-    const bool isEnabled = reply.type() == QDBusMessage::ReplyMessage &&
-                           reply.arguments().value(0).value<QDBusVariant>().variant().toBool();
-    return isEnabled && canPostKeys_();
-}
+bool DesktopPermissions::accessibilityTrusted() { return accessibility_.isOn() && canPostKeys_(); }
 
-void DesktopPermissions::requestAccessibility() {
-    // Nobody waits for it: starting the accessibility bus can take longer than a call may.
-    const QVariant enabled = QVariant::fromValue(QDBusVariant(true));
-    sessionBus_.asyncCall(accessibilityCall(QStringLiteral("Set"), {enabled}));
-}
+void DesktopPermissions::requestAccessibility() { accessibility_.turnOn(); }
 
 DesktopPermissions::Entry DesktopPermissions::read(Grant &grant) {
     Entry entry = store_.read(grant.table, grant.id);
@@ -93,8 +70,8 @@ DesktopPermissions::Entry DesktopPermissions::read(Grant &grant) {
     return entry;
 }
 
-void DesktopPermissions::write(Grant &grant, bool isAllowed) {
-    const Entry entry = store_.write(grant.table, grant.id, isAllowed);
+Async<> DesktopPermissions::write(Grant &grant, bool isAllowed) {
+    const Entry entry = co_await store_.write(grant.table, grant.id, isAllowed);
     grant.isWriteForbidden = entry == Entry::forbidden;
     if (entry == Entry::unreachable) {
         defaults_.setBoolean(allowedKey(grant.id), isAllowed);
@@ -109,7 +86,7 @@ Async<> DesktopPermissions::request(Grant &grant) {
     const Task<bool> prompt = grant.prompt;
     const bool isAllowed = co_await prompt;
     if (read(grant) == Entry::missing)
-        write(grant, isAllowed);
+        co_await write(grant, isAllowed);
 }
 
 DesktopPermissions::Entry DesktopPermissions::readDefaults(const Grant &grant) const {

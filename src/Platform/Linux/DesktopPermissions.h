@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Linux/AccessibilitySwitch.h"
 #include "Platform/Linux/PermissionStore.h"
 #include "Platform/Permissions.h"
 #include "Platform/UserDefaults.h"
@@ -42,14 +43,14 @@ private:
     };
 
     Entry read(Grant &grant);
-    void write(Grant &grant, bool isAllowed);
+    Async<> write(Grant &grant, bool isAllowed);
     Async<> request(Grant &grant);
     Entry readDefaults(const Grant &grant) const;
 
-    QDBusConnection sessionBus_;
     UserDefaults &defaults_;
     Prompt prompt_;
     std::function<bool()> canPostKeys_;
+    AccessibilitySwitch accessibility_;
     PermissionStore store_;
     Grant microphone_;
     Grant speech_;
