@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusMetaType>
 #include <QDBusReply>
 #include <QElapsedTimer>
 #include <QTimer>
@@ -293,19 +294,14 @@ TEST_F(DesktopPermissionsTest, AnotherProgramsWordOfAChangeIsNotBelieved) {
     QDBusMessage change =
         QDBusMessage::createSignal(QStringLiteral("/org/freedesktop/impl/portal/PermissionStore"),
                                    name, QStringLiteral("Changed"));
-    QDBusArgument permitted;
-    permitted.beginMap(QMetaType::fromType<QString>(), QMetaType::fromType<QStringList>());
-    permitted.beginMapEntry();
-    permitted << applicationId << QStringList(QStringLiteral("yes"));
-    permitted.endMapEntry();
-    permitted.endMap();
+    const QMap<QString, QStringList> permitted{{applicationId, QStringList(QStringLiteral("yes"))}};
+    qDBusRegisterMetaType<QMap<QString, QStringList>>();
     change.setArguments({QStringLiteral("devices"), QStringLiteral("microphone"), false,
                          QVariant::fromValue(QDBusVariant(0)), QVariant::fromValue(permitted)});
     EXPECT_TRUE(stranger.send(change));
     // The bus has passed it on once it answers the stranger, and it has come once it answers here.
-    EXPECT_TRUE(stranger.interface()->isValid());
-    for (QDBusConnection asking : {stranger, connection})
-        EXPECT_TRUE(asking.interface()->serviceOwner(stranger.baseService()).isValid());
+    for (const QDBusConnection &asking : {stranger, connection})
+        EXPECT_TRUE(asking.interface()->isServiceRegistered(stranger.baseService()));
     EXPECT_EQ(permissions.microphoneStatus(), 0);
     QDBusConnection::disconnectFromBus(stranger.name());
 }
