@@ -13,8 +13,9 @@
 
 namespace lorvane {
 
-/// A thread on which models are run: what the user waits for first, other work in the time that is
-/// left. Any thread, from within a job too.
+/// Runs models one at a time: what the user waits for first, other work in the time that is left.
+/// What runs in the background runs on a thread of low priority, so that capture and the screen
+/// are never held up by it. Any thread, from within a job too.
 class RecognitionWorker {
 public:
     using TimePoint = std::chrono::steady_clock::time_point;
@@ -40,7 +41,11 @@ public:
     void postInBackground(TimePoint time, Job job);
 
 private:
-    void run(const std::stop_token &stop);
+    /// The next job of one of the two threads, if it may run now.
+    Job take(bool isBackground);
+    /// Waits until that may have changed.
+    void wait(std::unique_lock<std::mutex> &lock, bool isBackground, const std::stop_token &stop);
+    void run(bool isBackground, const std::stop_token &stop);
 
     Turns &turns_;
     const Urgency background_;
@@ -51,8 +56,10 @@ private:
     std::multimap<TimePoint, Job> backgroundJobs_;
     std::stop_source current_;
     std::atomic<Urgency> urgency_;
+    bool isBusy_ = false;
     bool currentIsBackground_ = false;
     std::jthread thread_;
+    std::jthread backgroundThread_;
 };
 
 } // namespace lorvane
