@@ -59,8 +59,10 @@ Decoding decodeGreedily(Hearing &hearing, bool withLogProbabilities, const std::
             decoding.isBroken = true;
             break;
         }
-        if (decoding.tokens.size() >= hearing.mostTokens)
+        if (decoding.tokens.size() >= hearing.mostTokens) {
+            decoding.isBroken = true;
             break;
+        }
         step = hearing.decoder.feed({&token, 1}, parents, stop);
     }
     return decoding;

@@ -14,7 +14,8 @@ struct Decoding {
     std::vector<float> attention; ///< row by row, tokens × frameCount, each row adds up to 1
     std::size_t frameCount = 0;   ///< of SpeechModel::secondsPerFrame each
     double firstFrameTime = 0;    ///< where frame 0 stands in the samples, in seconds
-    bool isBroken = false;        ///< the model began to repeat itself: what followed is not there
+    /// The model began to repeat itself, or did not come to an end: what followed is not there.
+    bool isBroken = false;
 };
 
 /// Writes down what was heard with the most probable token at every step: at least one, since there

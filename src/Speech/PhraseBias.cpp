@@ -225,6 +225,8 @@ Judgement judge(const Decoding &found, const Decoding &plain, const std::vector<
 Decoding decodeWithPhrases(Hearing &hearing, const QStringList &phrases, const TokenTable &tokens,
                            const std::stop_token &stop) {
     Decoding plain = decodeGreedily(hearing, true, stop);
+    if (plain.isBroken)
+        return plain; // it has to be heard again in any case
     const std::vector<Word> plainWords = wordsOf(plain, tokens);
     std::vector<Phrase> listened;
     for (const QString &text : phrases) {

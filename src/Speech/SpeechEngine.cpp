@@ -10,6 +10,18 @@
 
 namespace lorvane {
 
+namespace {
+
+std::span<const float> partOf(std::span<const float> samples, VoiceSpan part) {
+    const auto index = [&](double time) {
+        return std::min(static_cast<std::size_t>(time * SpeechModel::sampleRate), samples.size());
+    };
+    const std::size_t start = index(part.start);
+    return samples.subspan(start, index(part.end) - start);
+}
+
+} // namespace
+
 SpeechEngine::SpeechEngine(OnnxRuntime &runtime, ModelFolder folder, QString voiceActivity)
     : runtime_(runtime), folder_(std::move(folder)), voiceActivityPath_(std::move(voiceActivity)) {}
 
@@ -57,24 +69,40 @@ QList<TimedWord> SpeechEngine::recognize(std::span<const float> samples, const Q
 QList<TimedWord> SpeechEngine::recognizeStretch(std::span<const float> samples, VoiceSpan stretch,
                                                 const QString &size, const SpeechOptions &options,
                                                 const std::stop_token &stop) {
-    const auto index = [&](double time) {
-        return std::min(static_cast<std::size_t>(time * SpeechModel::sampleRate), samples.size());
-    };
-    const std::size_t start = index(stretch.start);
-    const std::size_t count = index(stretch.end) - start;
-    Hearing hearing = model(size).hear(samples.subspan(start, count), stop);
+    return hearWithoutLoss(samples, stretch, [&](VoiceSpan part) {
+        // A part may be all silence, which the model would make words of.
+        const bool isPart = part.start > stretch.start || part.end < stretch.end;
+        return isPart && !hasVoice(partOf(samples, part), stop)
+                   ? Attempt()
+                   : attempt(samples, part, size, options, stop);
+    });
+}
+
+bool SpeechEngine::hasVoice(std::span<const float> samples, const std::stop_token &stop) {
+    VoiceActivity activity = makeVoiceActivity();
+    activity.listen(samples, stop);
+    return !voiceSpans(activity.probabilities()).empty();
+}
+
+Attempt SpeechEngine::attempt(std::span<const float> samples, VoiceSpan stretch,
+                              const QString &size, const SpeechOptions &options,
+                              const std::stop_token &stop) {
+    const std::span<const float> voice = partOf(samples, stretch);
+    Hearing hearing = model(size).hear(voice, stop);
     const Decoding decoding =
         options.contextualStrings.isEmpty()
             ? decodeGreedily(hearing, false, stop)
             : decodeWithPhrases(hearing, options.contextualStrings, *tokens_, stop);
-    QList<TimedWord> words =
-        timedWords(decoding, *tokens_, static_cast<double>(count) / SpeechModel::sampleRate);
-    const double offset = static_cast<double>(start) / SpeechModel::sampleRate;
-    for (TimedWord &word : words) {
+    Attempt attempt{
+        timedWords(decoding, *tokens_, static_cast<double>(voice.size()) / SpeechModel::sampleRate),
+        decoding.isBroken};
+    const double offset =
+        static_cast<double>(voice.data() - samples.data()) / SpeechModel::sampleRate;
+    for (TimedWord &word : attempt.words) {
         word.start += offset;
         word.end += offset;
     }
-    return words;
+    return attempt;
 }
 
 SpeechResult makeResult(const QList<TimedWord> &words, bool isFinal) {

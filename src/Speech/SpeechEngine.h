@@ -1,8 +1,7 @@
 #pragma once
 
+#include "Speech/Rehearing.h"
 #include "Speech/SpeechModel.h"
-#include "Speech/VoiceActivity.h"
-#include "Speech/WordTimings.h"
 
 #include <map>
 #include <memory>
@@ -38,6 +37,9 @@ public:
 
 private:
     SpeechModel &model(const QString &size);
+    bool hasVoice(std::span<const float> samples, const std::stop_token &stop);
+    Attempt attempt(std::span<const float> samples, VoiceSpan stretch, const QString &size,
+                    const SpeechOptions &options, const std::stop_token &stop);
 
     OnnxRuntime &runtime_;
     ModelFolder folder_;

@@ -24,7 +24,6 @@ public:
 private:
     std::optional<VoiceSpan> next();
     VoiceSpan cutAfter(const std::vector<VoiceSpan> &spans, std::size_t last) const;
-    VoiceSpan cutInside(const VoiceSpan &span) const;
     VoiceSpan cutLong(const std::vector<VoiceSpan> &spans) const;
     VoiceSpan take(VoiceSpan stretch);
     void skipSilence(double heard);
