@@ -3,73 +3,52 @@
 // nobody speaks) and phrases to listen for (between them "; "), and possibly "align/NAME.json" with
 // the words and their times.
 
+#include "Clips.h"
 #include "Core/LocalizedError.h"
+#include "Routes.h"
 #include "Speech/DecodedAudio.h"
-#include "Speech/SpeechEngine.h"
 #include "Speech/WordErrors.h"
+#include "Usage.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QDir>
 #include <QFileInfo>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
-#include <sys/resource.h>
-
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstdio>
-#include <ctime>
 
 namespace lorvane {
 namespace {
 
-using SteadyClock = std::chrono::steady_clock;
-
-double secondsSince(SteadyClock::time_point start) {
-    return std::chrono::duration<double>(SteadyClock::now() - start).count();
-}
-
-double processorSeconds() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
-
-double peakMegabytes() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return static_cast<double>(usage.ru_maxrss) / 1024;
-}
-
-struct Clip {
-    QString path;
-    QString transcript;
-    QStringList phrases; ///< to listen for
+struct LoadedClip : Clip {
     std::vector<float> samples;
-    QJsonArray alignment;
+    QJsonArray aligned;
 };
 
-std::vector<Clip> readClips(const QDir &folder, const QString &listName) {
-    QFile list(folder.filePath(listName));
-    if (!list.open(QIODevice::ReadOnly))
-        throw LocalizedError(u"There is no %1 in %2"_qs.arg(listName, folder.path()));
-    std::vector<Clip> clips;
-    list.readLine();
-    while (!list.atEnd()) {
-        const QStringList columns = QString::fromUtf8(list.readLine()).trimmed().split(u'\t');
-        Clip clip{folder.filePath(columns[0]),
-                  columns.value(2),
-                  columns.value(3).split(u"; "_qs, Qt::SkipEmptyParts),
-                  {},
-                  {}};
-        clip.samples = decodedAudio(clip.path);
-        QFile alignment(
-            folder.filePath(u"align/%1.json"_qs.arg(QFileInfo(clip.path).completeBaseName())));
-        if (alignment.open(QIODevice::ReadOnly))
-            clip.alignment = QJsonDocument::fromJson(alignment.readAll()).array();
-        clips.push_back(std::move(clip));
+std::vector<LoadedClip> load(const std::vector<Clip> &clips) {
+    std::vector<LoadedClip> loaded;
+    for (const Clip &clip : clips)
+        loaded.push_back({clip, decodedAudio(clip.path), clip.words()});
+    return loaded;
+}
+
+/// One after the other, as one long recording with pauses.
+LoadedClip joined(const std::vector<LoadedClip> &clips) {
+    constexpr std::size_t pause = SpeechModel::sampleRate * 6 / 5;
+    LoadedClip whole;
+    QStringList said;
+    for (const LoadedClip &clip : clips) {
+        if (clip.transcript.isEmpty())
+            continue;
+        whole.samples.insert(whole.samples.end(), clip.samples.begin(), clip.samples.end());
+        whole.samples.resize(whole.samples.size() + pause);
+        said.append(clip.transcript);
     }
-    return clips;
+    whole.path = u"all in one"_qs;
+    whole.transcript = said.join(u' ');
+    return whole;
 }
 
 /// How far the starts and ends of words are from where they should be, for the words that both
@@ -144,10 +123,17 @@ struct PhraseCounts {
     }
 };
 
-void measure(SpeechEngine &engine, const QString &size, const std::vector<Clip> &clips,
-             bool withPhrases, bool isVerbose) {
+struct Settings {
+    QString size;
+    int threads = 1;
+    bool withPhrases = false;
+    bool isVerbose = false;
+};
+
+void measure(const char *name, Route &route, const std::vector<LoadedClip> &clips,
+             const Settings &settings) {
     const auto loadStart = SteadyClock::now();
-    engine.load(size);
+    route.load();
     const double loadSeconds = secondsSince(loadStart);
 
     WordErrors errors;
@@ -159,31 +145,32 @@ void measure(SpeechEngine &engine, const QString &size, const std::vector<Clip> 
     double audioSeconds = 0;
     const double processorStart = processorSeconds();
     const auto start = SteadyClock::now();
-    for (const Clip &clip : clips) {
-        SpeechOptions options;
-        if (withPhrases)
-            options.contextualStrings = clip.phrases;
-        const QList<TimedWord> words = engine.recognize(clip.samples, size, options, {});
-        const QString heard = makeResult(words, true).formattedString;
+    for (const LoadedClip &clip : clips) {
+        const auto [heard, words] =
+            route.hear(clip.samples, settings.withPhrases ? clip.phrases : QStringList());
         const WordErrors clipErrors = wordErrors(spokenWords(clip.transcript), spokenWords(heard));
         errors += clipErrors;
         if (clip.transcript.isEmpty()) {
             ++voicelessClips;
             inventedWords += clipErrors.insertions;
         }
-        compareTimes(words, clip.alignment, starts, ends);
+        compareTimes(words, clip.aligned, starts, ends);
         audioSeconds += static_cast<double>(clip.samples.size()) / SpeechModel::sampleRate;
-        if (isVerbose && clipErrors.errors()) {
+        if (settings.isVerbose && clipErrors.errors()) {
             std::printf("%s\n  said:  %s\n  heard: %s\n",
                         qPrintable(QFileInfo(clip.path).fileName()), qPrintable(clip.transcript),
                         qPrintable(heard));
         }
-        phrases.add(clip, heard, isVerbose);
+        phrases.add(clip, heard, settings.isVerbose);
     }
     const double seconds = secondsSince(start);
-    std::printf("%-5s %s%5.2f%% of %d words wrong (%d changed, %d inserted, %d lost)",
-                qPrintable(size), withPhrases ? "with phrases " : "", errors.rate() * 100,
-                errors.wordCount, errors.substitutions, errors.insertions, errors.deletions);
+    const double processor = processorSeconds() - processorStart;
+    std::printf("%-5s %-8s %d thread%s%s%5.2f%% of %d words wrong (%d changed, %d inserted, "
+                "%d lost)",
+                qPrintable(settings.size), name, settings.threads,
+                settings.threads == 1 ? "   " : "s  ", settings.withPhrases ? "with phrases " : "",
+                errors.rate() * 100, errors.wordCount, errors.substitutions, errors.insertions,
+                errors.deletions);
     if (phrases.saidWordCount || phrases.falsePhrases)
         std::printf("; %d of %d words of phrases right, %d phrases not said", phrases.rightWords,
                     phrases.saidWordCount, phrases.falsePhrases);
@@ -195,8 +182,8 @@ void measure(SpeechEngine &engine, const QString &size, const std::vector<Clip> 
                     quantile(ends, 0.5) * 1000, quantile(ends, 0.9) * 1000);
     }
     std::printf("; %.1f s of audio in %.2f s (%.2f s of processor), load %.2f s, peak %.0f MB\n",
-                audioSeconds, seconds, processorSeconds() - processorStart, loadSeconds,
-                peakMegabytes());
+                audioSeconds, seconds, processor, loadSeconds, peakMegabytes());
+    std::fflush(stdout);
 }
 
 int runBenchmark(QCoreApplication &application) {
@@ -207,7 +194,11 @@ int runBenchmark(QCoreApplication &application) {
                       QDir(QCoreApplication::applicationDirPath()).filePath(u"models"_qs)});
     parser.addOption({u"language"_qs, u"language of the recordings"_qs, u"code"_qs, u"en"_qs});
     parser.addOption({u"size"_qs, u"only this model"_qs, u"name"_qs});
-    parser.addOption({u"threads"_qs, u"threads of the runtime"_qs, u"count"_qs, u"1"_qs});
+    parser.addOption(
+        {u"routes"_qs, u"which of whole,analyser,chunks"_qs, u"names"_qs, u"whole"_qs});
+    parser.addOption(
+        {u"threads"_qs, u"threads of the runtime, such as 1,2"_qs, u"counts"_qs, u"1"_qs});
+    parser.addOption({u"joined"_qs, u"one recording of all of them"_qs});
     parser.addOption({u"gain"_qs, u"change the level"_qs, u"decibels"_qs, u"0"_qs});
     parser.addOption({u"silence"_qs, u"put silence before and after"_qs, u"seconds"_qs, u"0"_qs});
     parser.addOption({u"list"_qs, u"the list in the folder"_qs, u"name"_qs, u"clips.tsv"_qs});
@@ -221,31 +212,41 @@ int runBenchmark(QCoreApplication &application) {
     const auto folder = ModelFolder::find(models.path(), parser.value(u"language"_qs));
     if (!folder)
         throw LocalizedError(u"There is no model in "_qs + models.path());
-    std::vector<Clip> clips =
-        readClips(QDir(parser.positionalArguments().first()), parser.value(u"list"_qs));
+    std::vector<LoadedClip> clips =
+        load(readClips(QDir(parser.positionalArguments().first()), parser.value(u"list"_qs)));
     const double gain = std::pow(10, parser.value(u"gain"_qs).toDouble() / 20);
     const auto silence =
         static_cast<std::size_t>(parser.value(u"silence"_qs).toDouble() * SpeechModel::sampleRate);
-    for (Clip &clip : clips) {
+    for (LoadedClip &clip : clips) {
         for (float &sample : clip.samples)
             sample *= static_cast<float>(gain);
         clip.samples.insert(clip.samples.begin(), silence, 0.F);
         clip.samples.insert(clip.samples.end(), silence, 0.F);
         if (silence)
-            clip.alignment = {};
+            clip.aligned = {};
     }
+    if (parser.isSet(u"joined"_qs))
+        clips = {joined(clips)};
 
-    OnnxRuntime runtime(parser.value(u"threads"_qs).toInt());
-    SpeechEngine engine(runtime, *folder, models.filePath(u"vad/silero.onnx"_qs));
-    const QStringList sizes = parser.isSet(u"size"_qs) ? QStringList{parser.value(u"size"_qs)}
-                                                       : QStringList{liveModel, fileModel};
     const bool havePhrases = std::any_of(clips.begin(), clips.end(),
                                          [](const Clip &clip) { return !clip.phrases.isEmpty(); });
+    const QString voiceActivity = models.filePath(u"vad/silero.onnx"_qs);
+    const QStringList sizes = parser.isSet(u"size"_qs) ? QStringList{parser.value(u"size"_qs)}
+                                                       : QStringList{liveModel, fileModel};
     for (const QString &size : sizes) {
-        if (!parser.isSet(u"only-phrases"_qs))
-            measure(engine, size, clips, false, parser.isSet(u"verbose"_qs));
-        if (havePhrases)
-            measure(engine, size, clips, true, parser.isSet(u"verbose"_qs));
+        for (const QString &name : parser.value(u"routes"_qs).split(u',')) {
+            for (const QString &threads : parser.value(u"threads"_qs).split(u',')) {
+                Settings settings{size, threads.toInt(), false, parser.isSet(u"verbose"_qs)};
+                resetPeak();
+                const std::unique_ptr<Route> route =
+                    makeRoute(name, *folder, voiceActivity, size, settings.threads);
+                if (!parser.isSet(u"only-phrases"_qs))
+                    measure(qPrintable(name), *route, clips, settings);
+                settings.withPhrases = true;
+                if (havePhrases)
+                    measure(qPrintable(name), *route, clips, settings);
+            }
+        }
     }
     return 0;
 }

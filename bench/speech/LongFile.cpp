@@ -1,0 +1,220 @@
+// Analyses a recording of hours, made of the recordings of some folders in random order with pauses
+// of random length, and prints word errors next to those of the parts alone, speed, memory as the
+// analysis goes on, and how long it takes to abandon it in its middle.
+
+#include "Clips.h"
+#include "Platform/Linux/SndfileAudioFile.h"
+#include "Speech/DecodedAudio.h"
+#include "Speech/OnDeviceSpeech.h"
+#include "Speech/SpeechEngine.h"
+#include "Speech/WordErrors.h"
+#include "Usage.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cstdio>
+#include <future>
+#include <map>
+#include <random>
+
+namespace lorvane {
+namespace {
+
+constexpr int sampleRate = 48000;
+
+/// A clip within the long recording.
+struct Part {
+    const Clip *clip;
+    double start;
+    double end;
+};
+
+using Results = std::vector<SpeechAnalysisResult>;
+
+/// Writes the recording, one clip after the other, so that none of it stays in memory.
+std::vector<Part> writeRecording(AudioFile &audioFile, const QString &path,
+                                 const std::vector<Clip> &clips, double minutes,
+                                 std::mt19937 &random) {
+    const auto writer = audioFile.openForWriting(path, {sampleRate, 1});
+    std::vector<Part> parts;
+    std::vector<std::size_t> order(clips.size());
+    std::map<const Clip *, std::vector<float>> decoded;
+    double time = 0;
+    const auto write = [&](const std::vector<float> &samples) {
+        writer->write({samples.data(), static_cast<qsizetype>(samples.size()), 1});
+        time += static_cast<double>(samples.size()) / sampleRate;
+    };
+    while (time < minutes * 60) {
+        if (parts.size() % clips.size() == 0) {
+            for (std::size_t i = 0; i < order.size(); ++i)
+                order[i] = i;
+            std::shuffle(order.begin(), order.end(), random);
+        }
+        const Clip &clip = clips[order[parts.size() % clips.size()]];
+        std::vector<float> &samples = decoded[&clip];
+        if (samples.empty())
+            samples = decodedAudio(clip.path, sampleRate);
+        const double start = time;
+        write(samples);
+        parts.push_back({&clip, start, time});
+        const double pause = std::uniform_real_distribution(0.3, 2.5)(random);
+        write(std::vector<float>(static_cast<std::size_t>(pause * sampleRate)));
+    }
+    return parts;
+}
+
+/// The errors of the whole, block by block: a block ends where a stretch ends between two parts.
+WordErrors errorsOf(const Results &results, const std::vector<Part> &parts) {
+    constexpr double margin = 1.2; // a stretch ends a little within the pause, or the next part
+    WordErrors errors;
+    QStringList said;
+    QStringList heard;
+    std::size_t next = 0;
+    for (std::size_t i = 0; i < results.size(); ++i) {
+        heard += spokenWords(results[i].text);
+        const double end = results[i].start + results[i].duration;
+        const double following = i + 1 < results.size() ? results[i + 1].start : parts.back().end;
+        for (; next < parts.size() && (parts[next].start + parts[next].end) / 2 < end; ++next)
+            said += spokenWords(parts[next].clip->transcript);
+        const bool isBetween = next == parts.size() || (parts[next - 1].end < end + margin &&
+                                                        parts[next].start > following - margin);
+        if (isBetween || i + 1 == results.size()) {
+            errors += wordErrors(said, heard);
+            said.clear();
+            heard.clear();
+        }
+    }
+    return errors;
+}
+
+/// The errors of the parts, each heard alone by the model.
+WordErrors errorsOfParts(const std::vector<Part> &parts, const QString &models) {
+    OnnxRuntime runtime(1);
+    const std::optional<ModelFolder> folder = ModelFolder::find(models, u"en"_qs);
+    SpeechEngine engine(runtime, *folder, QDir(models).filePath(u"vad/silero.onnx"_qs));
+    std::map<const Clip *, WordErrors> known;
+    WordErrors errors;
+    for (const Part &part : parts) {
+        if (!known.contains(part.clip)) {
+            const std::vector<float> samples = decodedAudio(part.clip->path);
+            const QString text =
+                makeResult(engine.recognize(samples, fileModel, {}, {}), true).formattedString;
+            known[part.clip] = wordErrors(spokenWords(part.clip->transcript), spokenWords(text));
+        }
+        errors += known[part.clip];
+    }
+    return errors;
+}
+
+/// Analyses the file and gives its results; prints the memory on the way.
+Results analyze(OnDeviceSpeech &speech, const QString &path, double minutes) {
+    Results results;
+    double printAt = 0;
+    std::promise<std::optional<QString>> end;
+    const auto analyzer = speech.makeAnalyzer(u"en"_qs, {});
+    analyzer->start(
+        path,
+        [&](const SpeechAnalysisResult &result) {
+            results.push_back(result);
+            if (result.start >= printAt) {
+                std::printf("%6.1f min heard, %.0f MB\n", result.start / 60,
+                            memoryMegabytes("VmRSS"));
+                std::fflush(stdout);
+                printAt += minutes * 60 / 8;
+            }
+        },
+        [&](const std::optional<QString> &error) { end.set_value(error); });
+    if (const std::optional<QString> error = end.get_future().get())
+        throw std::runtime_error(error->toStdString());
+    return results;
+}
+
+/// How many seconds it takes until nothing of an analysis is left that is abandoned at some time of
+/// the recording.
+double secondsToAbandon(OnDeviceSpeech &speech, const QString &path, double time) {
+    std::promise<void> reached;
+    std::promise<void> gone;
+    // What the analysis holds goes when it has stopped.
+    std::shared_ptr<void> held(nullptr, [&gone](void *) { gone.set_value(); });
+    bool isThere = false;
+    const auto analyzer = speech.makeAnalyzer(u"en"_qs, {});
+    analyzer->start(
+        path,
+        [&, held = std::move(held)](const SpeechAnalysisResult &result) {
+            if (result.start >= time && !std::exchange(isThere, true))
+                reached.set_value();
+        },
+        [](const std::optional<QString> &) {});
+    reached.get_future().wait();
+    const auto start = SteadyClock::now();
+    analyzer->cancelAndFinishNow();
+    gone.get_future().wait();
+    return secondsSince(start);
+}
+
+int runBenchmark(QCoreApplication &application) {
+    QCommandLineParser parser;
+    parser.addHelpOption();
+    parser.addPositionalArgument(u"folders"_qs, u"recordings with a clips.tsv"_qs);
+    parser.addOption({u"minutes"_qs, u"the length of the recording"_qs, u"count"_qs, u"120"_qs});
+    parser.addOption({u"seed"_qs, u"of the order and the pauses"_qs, u"number"_qs, u"1"_qs});
+    parser.addOption({u"abandon"_qs, u"analyse it once more, up to its middle"_qs});
+    parser.process(application);
+    if (parser.positionalArguments().isEmpty())
+        parser.showHelp(1);
+    std::vector<Clip> clips;
+    for (const QString &folder : parser.positionalArguments()) {
+        for (Clip &clip : readClips(QDir(folder), u"clips.tsv"_qs)) {
+            if (!clip.transcript.isEmpty())
+                clips.push_back(std::move(clip));
+        }
+    }
+    const double minutes = parser.value(u"minutes"_qs).toDouble();
+    std::mt19937 random(parser.value(u"seed"_qs).toUInt());
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"recording.caf"_qs);
+    SndfileAudioFile audioFile;
+    const std::vector<Part> parts = writeRecording(audioFile, path, clips, minutes, random);
+
+    const QString models = OnDeviceSpeech::installedModelsFolder();
+    Results results;
+    {
+        OnDeviceSpeech speech(audioFile, models);
+        resetPeak();
+        const double before = memoryMegabytes("VmRSS");
+        const auto start = SteadyClock::now();
+        const double processorStart = processorSeconds();
+        results = analyze(speech, path, minutes);
+        const double processor = processorSeconds() - processorStart;
+        std::printf("%.1f minutes in %.1f s, %.1f s of processor: %.4f of real time\n",
+                    parts.back().end / 60, secondsSince(start), processor,
+                    processor / parts.back().end);
+        std::printf("%.0f MB at the peak, %.0f MB before the models were loaded\n", peakMegabytes(),
+                    before);
+        if (parser.isSet(u"abandon"_qs))
+            std::printf("abandoned in the middle: all over %.0f ms later\n",
+                        1000 * secondsToAbandon(speech, path, minutes * 30));
+    }
+    const WordErrors errors = errorsOf(results, parts);
+    const WordErrors ofParts = errorsOfParts(parts, models);
+    std::printf("%.2f%% of %d words wrong, %.2f%% in its parts alone: %.3f of it\n",
+                errors.rate() * 100, errors.wordCount, ofParts.rate() * 100,
+                errors.rate() / ofParts.rate());
+    return 0;
+}
+
+} // namespace
+} // namespace lorvane
+
+int main(int argc, char **argv) {
+    QCoreApplication application(argc, argv);
+    try {
+        return lorvane::runBenchmark(application);
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "long-file: %s\n", error.what());
+        return 1;
+    }
+}
