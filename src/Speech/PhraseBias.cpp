@@ -3,6 +3,8 @@
 #include "Speech/BeamSearch.h"
 #include "Speech/Phonetics.h"
 
+#include <QSet>
+
 #include <algorithm>
 #include <iterator>
 
@@ -19,6 +21,9 @@ double allowance(double likeness) { return std::clamp(4 * likeness - 0.75, 0.4, 
 constexpr double formAllowance = 0.6;
 /// For what was heard as one word that is so common that it is a token: the share of the above.
 constexpr double commonShare = 0.6;
+/// For a phrase that is a name, by its capitals: the model would have heard a word by itself.
+constexpr double nameShare = 1.25;
+constexpr double nameLikeness = 0.6; ///< from here on
 
 /// A search has to be more generous than the judgement on what it finds: a phrase may look bad
 /// until it is whole. With more than this it would say a phrase over and over.
@@ -94,17 +99,28 @@ struct Phrase {
     std::vector<Token> tokens;
     QString text; ///< its letters and digits
     std::u16string sounds;
+    bool isName = false;
     double likeness = 0; ///< to what was heard without it
     double trust = 1;    ///< less when it was found where it was not said
 };
 
-/// Whether one text is the other with an ending.
+/// Whether one text is the other with an ending, or with another one.
 bool isForm(const QString &text, const QString &other) {
     constexpr qsizetype longestEnding = 3;
-    const auto &[shorter, longer] = std::minmax(
-        text, other, [](const QString &a, const QString &b) { return a.size() < b.size(); });
-    return longer.size() > shorter.size() && longer.size() <= shorter.size() + longestEnding &&
-           longer.startsWith(shorter, Qt::CaseInsensitive);
+    constexpr qsizetype shortestStem = 4;
+    static const QSet<QString> endings{u"s"_qs,   u"es"_qs,  u"ed"_qs, u"d"_qs,  u"ing"_qs,
+                                       u"er"_qs,  u"ers"_qs, u"or"_qs, u"te"_qs, u"ted"_qs,
+                                       u"tes"_qs, u"nt"_qs,  u"ly"_qs, u"ion"_qs};
+    qsizetype stem = 0;
+    while (stem < text.size() && stem < other.size() &&
+           text[stem].toLower() == other[stem].toLower())
+        ++stem;
+    const QString ending = text.mid(stem).toLower();
+    const QString otherEnding = other.mid(stem).toLower();
+    if (ending.isEmpty() || otherEnding.isEmpty())
+        return std::max(ending.size(), otherEnding.size()) <= longestEnding &&
+               ending != otherEnding;
+    return stem >= shortestStem && endings.contains(ending) && endings.contains(otherEnding);
 }
 
 /// The run of words that sounds most like a phrase: how much, and what the phrase is allowed to
@@ -127,9 +143,11 @@ Replaced replacedBy(const Phrase &phrase, std::span<const Word> words) {
                 continue;
             const bool isCommon = i == j && words[i].last == words[i].first + 1;
             best = {alike,
-                    isForm(phrase.text, text) ? formAllowance
-                                              : allowance(alike) * (isCommon ? commonShare : 1),
-                    j + 1};
+                    isForm(phrase.text, text)
+                        ? formAllowance
+                        : allowance(alike) * (isCommon ? commonShare : 1) *
+                              (phrase.isName && alike >= nameLikeness ? nameShare : 1),
+                    alike >= leastLikeness ? j + 1 : 0};
         }
     }
     return best;
@@ -187,6 +205,11 @@ Judgement judge(const Decoding &found, const Decoding &plain, const std::vector<
     const std::vector<Word> words = wordsOf(found, tokens);
     const std::vector<PhraseSpan> spans = findPhrases(found.tokens, trie, tokens);
     Judgement judgement;
+    for (std::size_t i = 1; i < spans.size(); ++i) {
+        // A phrase that is rewarded tends to be said again.
+        if (spans[i].phrase == spans[i - 1].phrase && spans[i].first == spans[i - 1].last)
+            judgement.wrong = spans[i].phrase;
+    }
     for (const Difference &place : differences(words, plainWords)) {
         if (place.first == place.last)
             continue;
@@ -230,7 +253,8 @@ Decoding decodeWithPhrases(Hearing &hearing, const QStringList &phrases, const T
     const std::vector<Word> plainWords = wordsOf(plain, tokens);
     std::vector<Phrase> listened;
     for (const QString &text : phrases) {
-        Phrase phrase{tokens.encode(text), lettersOf(text), soundsOf(text), 0};
+        Phrase phrase{tokens.encode(text), lettersOf(text), soundsOf(text)};
+        phrase.isName = text.toLower() != text;
         phrase.likeness = replacedBy(phrase, plainWords).likeness;
         listened.push_back(std::move(phrase));
     }
