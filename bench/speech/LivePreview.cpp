@@ -1,74 +1,261 @@
-// Plays a recording to the live recogniser at the pace of speech, in buffers as a microphone gives
-// them, and prints what is shown when, and what it costs.
+// Plays minutes of speech to the live recogniser, in buffers as a microphone gives them and with a
+// new request every half minute, as a dictation does. Prints how soon and how often the text comes,
+// how much of it is taken back, and what it costs. Time is simulated: it passes as the audio does,
+// or as the processor time that is used, as on a machine that has a core left. With --paced it is
+// the time of the clock on the wall.
 
+#include "LongRecording.h"
 #include "Platform/Linux/SndfileAudioFile.h"
 #include "Speech/DecodedAudio.h"
-#include "Speech/LiveRequest.h"
+#include "Speech/LiveRecognition.h"
 #include "Speech/OnDeviceSpeech.h"
+#include "Speech/WordErrors.h"
+#include "Usage.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFile>
+#include <QTemporaryDir>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <ctime>
+#include <functional>
+#include <future>
 #include <mutex>
 #include <thread>
 
 namespace lorvane {
 namespace {
 
-using SteadyClock = std::chrono::steady_clock;
-
 constexpr int sampleRate = 48000;
 constexpr std::size_t bufferSize = 2048;
+constexpr double rotation = 30;
 
+/// A text as it was shown, with times in seconds from the first buffer.
 struct Shown {
-    double time = 0; ///< in seconds from the first buffer
+    double time = 0;
     QStringList words;
-    double lastWord = 0; ///< when it was spoken
+    std::vector<double> starts; ///< of the words
 };
 
-void play(SpeechBufferRequest &request, std::span<const float> samples) {
-    auto due = SteadyClock::now();
-    for (std::size_t i = 0; i + bufferSize <= samples.size(); i += bufferSize) {
-        due += std::chrono::microseconds(1'000'000LL * bufferSize / sampleRate);
-        std::this_thread::sleep_until(due);
-        request.append({samples.data() + i, static_cast<qsizetype>(bufferSize), 1});
+using Request = std::vector<Shown>;
+
+/// What a live recognition says, request by request.
+class Listener {
+public:
+    using Time = std::function<double()>;
+    explicit Listener(Time time) : time_(std::move(time)) {}
+
+    SpeechHandler next() {
+        const std::lock_guard lock(mutex_);
+        requests_.emplace_back();
+        return [this, index = requests_.size() - 1, begin = time_()](
+                   const std::optional<SpeechResult> &result, const std::optional<QString> &) {
+            const std::lock_guard guard(mutex_);
+            if (!result)
+                return;
+            Shown shown{time_(), {}, {}};
+            for (const SpeechSegment &segment : result->segments) {
+                shown.words.append(segment.substring);
+                shown.starts.push_back(begin + segment.timestamp);
+            }
+            requests_[index].push_back(std::move(shown));
+        };
     }
+    std::vector<Request> requests() {
+        const std::lock_guard lock(mutex_);
+        return requests_;
+    }
+
+private:
+    const Time time_;
+    std::mutex mutex_;
+    std::vector<Request> requests_;
+};
+
+using Samples = std::span<const float>;
+
+void append(SpeechBufferRequest &request, Samples samples) {
+    request.append({samples.data(), static_cast<qsizetype>(samples.size()), 1});
 }
 
-void report(const std::vector<Shown> &shown, double seconds, double processorSeconds) {
-    std::size_t wordCount = 0;
-    std::size_t changed = 0;
-    double longest = 0;
-    double latest = 0;
-    for (std::size_t i = 0; i < shown.size(); ++i) {
-        std::printf("%6.2f s  %s\n", shown[i].time, qPrintable(shown[i].words.join(u' ')));
-        longest = std::max(longest, shown[i].time - (i ? shown[i - 1].time : shown[0].lastWord));
-        latest = std::max(latest, shown[i].time - shown[i].lastWord);
-        if (i == 0)
-            continue;
-        const QStringList &old = shown[i - 1].words;
-        for (qsizetype word = 0; word < old.size(); ++word) {
-            ++wordCount;
-            changed += shown[i].words.value(word) != old[word] ? 1U : 0U;
+/// Plays at the pace of the clock on the wall.
+std::vector<Request> playPaced(Samples samples, const SpeechOptions &options) {
+    SndfileAudioFile audioFile;
+    OnDeviceSpeech speech(audioFile, OnDeviceSpeech::installedModelsFolder());
+    const auto recognizer = speech.makeRecognizer(u"en-US"_qs);
+    if (!recognizer)
+        throw std::runtime_error("there is no recogniser: run scripts/fetch-speech");
+    std::this_thread::sleep_for(std::chrono::seconds(6)); // until the models are loaded
+    const auto start = SteadyClock::now();
+    Listener listener([start] { return secondsSince(start); });
+    std::shared_ptr<SpeechBufferRequest> request;
+    std::unique_ptr<SpeechTask> task;
+    double rotateAt = 0;
+    for (std::size_t i = 0; i + bufferSize <= samples.size(); i += bufferSize) {
+        const double time = static_cast<double>(i + bufferSize) / sampleRate;
+        std::this_thread::sleep_until(start + std::chrono::duration_cast<SteadyClock::duration>(
+                                                  std::chrono::duration<double>(time)));
+        if (time >= rotateAt) {
+            rotateAt += rotation;
+            request = recognizer->makeBufferRequest({sampleRate, 1}, options);
+            task = recognizer->recognize(request, listener.next());
+        }
+        append(*request, samples.subspan(i, bufferSize));
+    }
+    task.reset();
+    return listener.requests();
+}
+
+/// A worker on a clock that goes by the audio and by processor time.
+class Simulation {
+public:
+    Simulation() {
+        const QString models = OnDeviceSpeech::installedModelsFolder();
+        engine_ = std::make_shared<KeptEngine>(
+            std::make_unique<SpeechEngine>(runtime_, *ModelFolder::find(models, u"en"_qs),
+                                           QDir(models).filePath(u"vad/silero.onnx"_qs)),
+            liveModel, worker_);
+        worker_.postInBackground({},
+                                 [this](std::stop_source &) { engine_->use().load(liveModel); });
+        catchUp();
+        passTo(0);
+    }
+
+    std::vector<Request> play(Samples samples, const SpeechOptions &options) {
+        Listener listener([this] { return time(); });
+        std::shared_ptr<LiveRequest> request;
+        std::stop_source cancellation;
+        double rotateAt = 0;
+        const double origin = time();
+        std::size_t appended = 0;
+        while (appended + bufferSize <= samples.size()) {
+            if (time() - origin >= rotateAt) {
+                rotateAt += rotation;
+                cancellation.request_stop();
+                cancellation = std::stop_source();
+                request = std::make_shared<LiveRequest>(AudioFormat{sampleRate, 1}, options);
+                std::make_shared<LiveRecognition>(request, engine_, worker_,
+                                                  cancellation.get_token(), listener.next())
+                    ->start();
+            }
+            // What the microphone has given by now.
+            const double next = static_cast<double>(appended + bufferSize) / sampleRate + origin;
+            if (next > time())
+                passTo(next);
+            append(*request, samples.subspan(appended, bufferSize));
+            appended += bufferSize;
+            if (next >= time() - static_cast<double>(bufferSize) / sampleRate)
+                catchUp();
+        }
+        cancellation.request_stop();
+        catchUp();
+        return listener.requests();
+    }
+
+private:
+    double time() const { return passed_ + processorSeconds(); }
+
+    void passTo(double time) { passed_ = time - processorSeconds(); }
+    /// Runs what is due.
+    void catchUp() {
+        std::promise<void> done;
+        worker_.postInBackground({}, [](std::stop_source &) {}); // wakes it up
+        worker_.postInBackground(worker_.now(), [&done](std::stop_source &) { done.set_value(); });
+        done.get_future().wait();
+    }
+
+    std::atomic<double> passed_ = 0;
+    OnnxRuntime runtime_{1};
+    Turns turns_{1};
+    RecognitionWorker worker_{turns_, Urgency::preview, [this] {
+                                  return RecognitionWorker::TimePoint(
+                                      std::chrono::duration_cast<SteadyClock::duration>(
+                                          std::chrono::duration<double>(1e6 + time())));
+                              }};
+    std::shared_ptr<KeptEngine> engine_;
+};
+
+/// How many of the words are no longer there, in their order.
+std::size_t takenBack(const QStringList &old, const QStringList &now) {
+    std::vector<std::size_t> length(static_cast<std::size_t>(now.size()) + 1);
+    for (const QString &word : old) {
+        std::size_t diagonal = 0;
+        for (std::size_t j = 1; j < length.size(); ++j) {
+            const std::size_t above = length[j];
+            length[j] = word == now[static_cast<qsizetype>(j) - 1]
+                            ? diagonal + 1
+                            : std::max(length[j], length[j - 1]);
+            diagonal = above;
         }
     }
-    const auto share = [](std::size_t part, std::size_t whole) {
-        return whole ? 100.0 * static_cast<double>(part) / static_cast<double>(whole) : 0;
+    return static_cast<std::size_t>(old.size()) - length.back();
+}
+
+QStringList spoken(const QStringList &words) { return spokenWords(words.join(u' ')); }
+
+double quantile(std::vector<double> values, double share) {
+    if (values.empty())
+        return 0;
+    std::sort(values.begin(), values.end());
+    return values[static_cast<std::size_t>(share * static_cast<double>(values.size() - 1))];
+}
+
+void print(const char *what, const std::vector<double> &values, double limit) {
+    const auto within = std::count_if(values.begin(), values.end(),
+                                      [limit](double value) { return value <= limit; });
+    std::printf("%-42s median %.2f s, 90%% %.2f s, worst %.2f s; %.1f%% of %zu within %.1f s\n",
+                what, quantile(values, 0.5), quantile(values, 0.9), quantile(values, 1),
+                100.0 * static_cast<double>(within) /
+                    static_cast<double>(std::max<std::size_t>(1, values.size())),
+                values.size(), limit);
+}
+
+void report(const std::vector<Request> &requests, const std::vector<Part> &parts) {
+    std::vector<double> firstWords; // from when the first word of a part began to when it shows
+    std::vector<double> gaps;       // between two texts while somebody speaks
+    for (const Part &part : parts) {
+        double last = -1;
+        for (const Request &request : requests) {
+            for (const Shown &shown : request) {
+                const auto first =
+                    std::find_if(shown.starts.begin(), shown.starts.end(),
+                                 [&](double start) { return start > part.start - 0.15; });
+                if (first == shown.starts.end() || *first > part.end || shown.time < part.start)
+                    continue;
+                if (last < 0)
+                    firstWords.push_back(shown.time - *first);
+                else if (last < part.end)
+                    gaps.push_back(std::min(shown.time, part.end) - last);
+                last = shown.time;
+            }
+        }
+    }
+    std::size_t shownCount = 0;
+    std::size_t changed = 0;
+    std::size_t spokenCount = 0;
+    std::size_t spokenChanged = 0;
+    std::size_t updates = 0;
+    for (const Request &request : requests) {
+        updates += request.size();
+        for (std::size_t i = 1; i < request.size(); ++i) {
+            shownCount += static_cast<std::size_t>(request[i - 1].words.size());
+            changed += takenBack(request[i - 1].words, request[i].words);
+            const QStringList old = spoken(request[i - 1].words);
+            spokenCount += static_cast<std::size_t>(old.size());
+            spokenChanged += takenBack(old, spoken(request[i].words));
+        }
+    }
+    const auto percent = [](std::size_t part, std::size_t whole) {
+        return 100.0 * static_cast<double>(part) /
+               static_cast<double>(std::max<std::size_t>(1, whole));
     };
-    std::printf("updates                       %6zu, %.2f s between two at most\n", shown.size(),
-                longest);
-    if (!shown.empty())
-        std::printf("the first words show          %6.2f s after the last of them began\n",
-                    shown.front().time - shown.front().lastWord);
-    std::printf("a last word shows             %6.2f s after it began, at most\n", latest);
-    std::printf("words changed when shown next %6.1f %%\n", share(changed, wordCount));
-    std::printf("processor                     %6.0f %% of a core\n",
-                100 * processorSeconds / seconds);
+    std::printf("%-42s %zu\n", "texts", updates);
+    print("first word after a pause, since it began", firstWords, 1.2);
+    print("between two texts while somebody speaks", gaps, 1);
+    std::printf("%-42s %.2f%%, %.2f%% without marks and capitals\n",
+                "of the words shown, changed by the next text", percent(changed, shownCount),
+                percent(spokenChanged, spokenCount));
 }
 
 QStringList linesOf(const QString &path) {
@@ -81,53 +268,41 @@ QStringList linesOf(const QString &path) {
 int runBenchmark(QCoreApplication &application) {
     QCommandLineParser parser;
     parser.addHelpOption();
-    parser.addPositionalArgument(u"recording"_qs,
-                                 u"an audio file; its first 34 seconds are played"_qs);
-    const QCommandLineOption phrases(u"phrases"_qs, u"listens for the lines of <file>"_qs,
-                                     u"file"_qs);
-    parser.addOption(phrases);
+    parser.addPositionalArgument(u"folders"_qs, u"recordings with a clips.tsv"_qs);
+    parser.addOption({u"minutes"_qs, u"how long to play"_qs, u"count"_qs, u"4"_qs});
+    parser.addOption({u"phrases"_qs, u"listens for the lines of <file>"_qs, u"file"_qs});
+    parser.addOption({u"paced"_qs, u"play at the pace of speech"_qs});
+    parser.addOption({u"verbose"_qs, u"print each text"_qs});
     parser.process(application);
-    if (parser.positionalArguments().size() != 1)
+    if (parser.positionalArguments().isEmpty())
         parser.showHelp(1);
-    std::vector<float> samples = decodedAudio(parser.positionalArguments().first(), sampleRate);
-    samples.resize(std::min(samples.size(),
-                            static_cast<std::size_t>(sampleRate * (LiveRequest::longest - 1))));
-
-    SpeechOptions options;
-    if (parser.isSet(phrases))
-        options.contextualStrings = linesOf(parser.value(phrases));
 
     SndfileAudioFile audioFile;
-    OnDeviceSpeech speech(audioFile, OnDeviceSpeech::installedModelsFolder());
-    const auto recognizer = speech.makeRecognizer(u"en-US"_qs);
-    if (!recognizer)
-        throw std::runtime_error("there is no recogniser: run scripts/fetch-speech");
-    speech.preload();
-    std::this_thread::sleep_for(std::chrono::seconds(6));
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"recording.caf"_qs);
+    const std::vector<Clip> clips = readSpeech(parser.positionalArguments());
+    std::mt19937 random(1);
+    const std::vector<Part> parts =
+        writeRecording(audioFile, path, clips, 60 * parser.value(u"minutes"_qs).toDouble(), random);
+    const std::vector<float> samples = decodedAudio(path, sampleRate);
 
-    std::mutex mutex;
-    std::vector<Shown> shown;
-    const auto start = SteadyClock::now();
-    const auto elapsed = [start] {
-        return std::chrono::duration<double>(SteadyClock::now() - start).count();
-    };
-    const std::clock_t processorStart = std::clock();
-    const auto request = recognizer->makeBufferRequest({sampleRate, 1}, options);
-    const auto task = recognizer->recognize(
-        request, [&](const std::optional<SpeechResult> &result, const std::optional<QString> &) {
-            const std::lock_guard lock(mutex);
-            if (result && !result->segments.isEmpty()) {
-                shown.push_back({elapsed(), result->formattedString.split(u' '),
-                                 result->segments.last().timestamp});
-            }
-        });
-    play(*request, samples);
-    task->cancel();
-    const double seconds = elapsed();
-    const double processorSeconds =
-        static_cast<double>(std::clock() - processorStart) / CLOCKS_PER_SEC;
-    const std::lock_guard lock(mutex);
-    report(shown, seconds, processorSeconds);
+    SpeechOptions options;
+    if (parser.isSet(u"phrases"_qs))
+        options.contextualStrings = linesOf(parser.value(u"phrases"_qs));
+    const double processorStart = processorSeconds();
+    const std::vector<Request> requests = parser.isSet(u"paced"_qs)
+                                              ? playPaced(samples, options)
+                                              : Simulation().play(samples, options);
+    const double processor = processorSeconds() - processorStart;
+    const double seconds = static_cast<double>(samples.size()) / sampleRate;
+    if (parser.isSet(u"verbose"_qs)) {
+        for (const Request &shown : requests) {
+            for (const Shown &text : shown)
+                std::printf("%7.2f s  %s\n", text.time, qPrintable(text.words.join(u' ')));
+        }
+    }
+    report(requests, parts);
+    std::printf("%-42s %.0f%% of a core\n", "processor", 100 * processor / seconds);
     return 0;
 }
 

@@ -2,7 +2,7 @@
 // of random length, and prints word errors next to those of the parts alone, speed, memory as the
 // analysis goes on, and how long it takes to abandon it in its middle.
 
-#include "Clips.h"
+#include "LongRecording.h"
 #include "Platform/Linux/SndfileAudioFile.h"
 #include "Speech/DecodedAudio.h"
 #include "Speech/OnDeviceSpeech.h"
@@ -14,57 +14,14 @@
 #include <QCoreApplication>
 #include <QTemporaryDir>
 
-#include <algorithm>
 #include <cstdio>
 #include <future>
 #include <map>
-#include <random>
 
 namespace lorvane {
 namespace {
 
-constexpr int sampleRate = 48000;
-
-/// A clip within the long recording.
-struct Part {
-    const Clip *clip;
-    double start;
-    double end;
-};
-
 using Results = std::vector<SpeechAnalysisResult>;
-
-/// Writes the recording, one clip after the other, so that none of it stays in memory.
-std::vector<Part> writeRecording(AudioFile &audioFile, const QString &path,
-                                 const std::vector<Clip> &clips, double minutes,
-                                 std::mt19937 &random) {
-    const auto writer = audioFile.openForWriting(path, {sampleRate, 1});
-    std::vector<Part> parts;
-    std::vector<std::size_t> order(clips.size());
-    std::map<const Clip *, std::vector<float>> decoded;
-    double time = 0;
-    const auto write = [&](const std::vector<float> &samples) {
-        writer->write({samples.data(), static_cast<qsizetype>(samples.size()), 1});
-        time += static_cast<double>(samples.size()) / sampleRate;
-    };
-    while (time < minutes * 60) {
-        if (parts.size() % clips.size() == 0) {
-            for (std::size_t i = 0; i < order.size(); ++i)
-                order[i] = i;
-            std::shuffle(order.begin(), order.end(), random);
-        }
-        const Clip &clip = clips[order[parts.size() % clips.size()]];
-        std::vector<float> &samples = decoded[&clip];
-        if (samples.empty())
-            samples = decodedAudio(clip.path, sampleRate);
-        const double start = time;
-        write(samples);
-        parts.push_back({&clip, start, time});
-        const double pause = std::uniform_real_distribution(0.3, 2.5)(random);
-        write(std::vector<float>(static_cast<std::size_t>(pause * sampleRate)));
-    }
-    return parts;
-}
 
 /// The errors of the whole, block by block: a block ends where a stretch ends between two parts.
 WordErrors errorsOf(const Results &results, const std::vector<Part> &parts) {
@@ -165,19 +122,13 @@ int runBenchmark(QCoreApplication &application) {
     parser.process(application);
     if (parser.positionalArguments().isEmpty())
         parser.showHelp(1);
-    std::vector<Clip> clips;
-    for (const QString &folder : parser.positionalArguments()) {
-        for (Clip &clip : readClips(QDir(folder), u"clips.tsv"_qs)) {
-            if (!clip.transcript.isEmpty())
-                clips.push_back(std::move(clip));
-        }
-    }
+    const std::vector<Clip> clips = readSpeech(parser.positionalArguments());
     const double minutes = parser.value(u"minutes"_qs).toDouble();
     std::mt19937 random(parser.value(u"seed"_qs).toUInt());
     const QTemporaryDir folder;
     const QString path = folder.filePath(u"recording.caf"_qs);
     SndfileAudioFile audioFile;
-    const std::vector<Part> parts = writeRecording(audioFile, path, clips, minutes, random);
+    const std::vector<Part> parts = writeRecording(audioFile, path, clips, 60 * minutes, random);
 
     const QString models = OnDeviceSpeech::installedModelsFolder();
     Results results;

@@ -49,7 +49,7 @@ void LiveRecognition::schedule(RecognitionWorker::TimePoint time) {
 
 void LiveRecognition::work(std::stop_source &stop) {
     const std::stop_callback link(cancellation_, [&stop] { stop.request_stop(); });
-    const auto start = std::chrono::steady_clock::now();
+    const auto start = worker_.now();
     try {
         const bool isLast = request_->isFull();
         listen(stop.get_token());
@@ -66,7 +66,7 @@ void LiveRecognition::work(std::stop_source &stop) {
     }
     if (cancellation_.stop_requested())
         return;
-    const auto end = std::chrono::steady_clock::now();
+    const auto end = worker_.now();
     schedule(std::max(start + interval, end + (end - start) / restingShare));
 }
 

@@ -16,7 +16,7 @@ public:
                     RecognitionWorker &worker, std::stop_token cancellation, SpeechHandler handler);
 
     /// Goes on until it is cancelled, the request is full or the engine fails.
-    void start() { schedule(RecognitionWorker::TimePoint::clock::now()); }
+    void start() { schedule(worker_.now()); }
 
 private:
     void schedule(RecognitionWorker::TimePoint time);
