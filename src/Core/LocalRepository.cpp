@@ -22,7 +22,9 @@ std::optional<QByteArray> readFile(const QString &path) {
     const auto failure = [&path] {
         return FileError(path, QStringLiteral("could not be read"), errno);
     };
-    const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    // Not waiting for whoever might open the other end, were it a pipe.
+    const int descriptor =
+        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0 && (errno == ENOENT || errno == ENOTDIR))
         return std::nullopt;
     if (descriptor < 0)
@@ -35,6 +37,8 @@ std::optional<QByteArray> readFile(const QString &path) {
     struct stat status;
     if (::fstat(descriptor, &status) < 0)
         throw failure();
+    if (!S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) // some devices have no end
+        throw FileError(path, QStringLiteral("is not a regular file"), ENOTSUP);
     // One byte more than there should be, to meet the end of the file without growing.
     QByteArray bytes(status.st_size + 1, Qt::Uninitialized);
     qsizetype size = 0;

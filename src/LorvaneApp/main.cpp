@@ -1,6 +1,7 @@
 #include "AppStore/AppStore.h"
 #include "LorvaneApp/Application.h"
 #include "LorvaneApp/LinuxPlatform.h"
+#include "LorvaneApp/Privacy.h"
 #include "LorvaneApp/SingleInstance.h"
 #include "LorvaneApp/TerminationSignals.h"
 #include "Views/Shell/Graphics.h"
@@ -13,6 +14,7 @@ using namespace Qt::StringLiterals;
 int main(int argc, char **argv) {
     using namespace lorvane;
 
+    keepPrivate();
     TerminationSignals::block();
     const QVariantMap platformData = SingleInstance::platformData();
     Application application(argc, argv);

@@ -43,18 +43,26 @@ ModelFolder ModelFolder::read(const QString &path) {
     const QJsonObject manifest = readManifest(folder);
     checkFiles(folder, manifest[u"files"].toObject());
 
+    // Only what was checked is used.
+    const auto checkedFile = [&, checked = manifest[u"files"].toObject()](const QJsonValue &name) {
+        if (!checked.contains(name.toString())) {
+            throw LocalizedError(
+                u"“%1” uses a file that it doesn’t list: “%2”."_qs.arg(path, name.toString()));
+        }
+        return folder.filePath(name.toString());
+    };
+
     ModelFolder model;
     for (const QJsonValue &language : manifest[u"languages"].toArray())
         model.languages.append(language.toString());
-    model.tokens = folder.filePath(manifest[u"tokens"].toString());
+    model.tokens = checkedFile(manifest[u"tokens"]);
     const QJsonObject sizes = manifest[u"sizes"].toObject();
     if (sizes.isEmpty())
         throw LocalizedError(u"“%1” names no speech model."_qs.arg(path));
     for (auto size = sizes.begin(); size != sizes.end(); ++size) {
         const QJsonObject files = size->toObject();
         const QJsonObject alignment = files[u"alignment"].toObject();
-        model.sizes[size.key()] = {folder.filePath(files[u"encoder"].toString()),
-                                   folder.filePath(files[u"decoder"].toString()),
+        model.sizes[size.key()] = {checkedFile(files[u"encoder"]), checkedFile(files[u"decoder"]),
                                    alignment[u"head"].toInt(), alignment[u"offset"].toDouble()};
     }
     return model;

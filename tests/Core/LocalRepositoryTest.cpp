@@ -149,6 +149,25 @@ TEST_F(LibraryFile, ThatCantBeReadFailsAtTheRead) {
     }
 }
 
+TEST_F(LibraryFile, ThatIsAPipeOrADeviceFailsAtOnce) {
+    const QByteArray name = QFile::encodeName(path(u"library.json"_s));
+    ASSERT_EQ(::mkfifo(name.constData(), 0600), 0);
+    const auto fails = [&] {
+        try {
+            repository().load();
+            return QString();
+        } catch (const FileError &error) {
+            return error.localizedDescription();
+        }
+    };
+    const QString refusal =
+        u"“%1” is not a regular file: Operation not supported."_s.arg(path(u"library.json"_s));
+    EXPECT_EQ(fails(), refusal);
+    ASSERT_EQ(::unlink(name.constData()), 0);
+    ASSERT_EQ(::symlink("/dev/zero", name.constData()), 0);
+    EXPECT_EQ(fails(), refusal);
+}
+
 TEST_F(LibraryFile, ThatOneMayNotReadFailsAndStandsUntouched) {
     const uid_t user = ::geteuid();
     const QByteArray file = encodeLibrary({});

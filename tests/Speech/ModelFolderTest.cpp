@@ -72,6 +72,20 @@ TEST_F(ModelFolderTest, IsPassedOverWhenAFileIsMissingOrHasAnotherSize) {
     EXPECT_FALSE(ModelFolder::find(folder_.path(), u"en"_qs));
 }
 
+TEST_F(ModelFolderTest, IsPassedOverWhenItUsesAFileThatItsListDoesNotName) {
+    writeModel(u"one"_qs, "en");
+    write(u"e"_qs, "eee");
+    QFile manifest(folder_.filePath(u"one/manifest.json"_qs));
+    ASSERT_TRUE(manifest.open(QIODevice::ReadOnly));
+    const QByteArray whole = manifest.readAll();
+    for (const QByteArray foreign : {"../e", "/dev/zero", ""}) {
+        QByteArray changed = whole;
+        write(u"one/manifest.json"_qs,
+              changed.replace("\"encoder\": \"e\"", "\"encoder\": \"" + foreign + '"'));
+        EXPECT_FALSE(ModelFolder::find(folder_.path(), u"en"_qs)) << foreign.constData();
+    }
+}
+
 TEST_F(ModelFolderTest, SaysWhichFileIsWrong) {
     writeModel(u"one"_qs, "en");
     write(u"one/e"_qs, "");
