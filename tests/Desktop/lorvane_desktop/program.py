@@ -2,6 +2,7 @@
 
 import json
 import shutil
+import tempfile
 from pathlib import Path
 
 from .session import BINARY
@@ -10,8 +11,7 @@ from .session import BINARY
 def with_models(session, change):
     """The path of a copy whose models folder `change(folder)` has altered. The folder's files are
     links: unlink one before writing another in its place."""
-    folder = session.home / "program"
-    folder.mkdir()
+    folder = Path(tempfile.mkdtemp(prefix="program-", dir=session.home))
     shutil.copy2(BINARY, folder)
     (folder / "deps").symlink_to((BINARY.parent / "deps").resolve())
     models = folder / "models"
