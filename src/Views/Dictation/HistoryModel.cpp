@@ -17,7 +17,7 @@ bool HistoryModel::fits(const TranscriptRecord &record, const TextSearch &search
 QVariant HistoryModel::data(const QModelIndex &index, int role) const {
     if (!hasRow(index.row()))
         return {};
-    const TranscriptRecord &record = rows()[index.row()];
+    const TranscriptRecord &record = at(index.row());
     switch (role) {
     case dateRole: return dateLabel(record.createdAt);
     case wordsRole: return u"%1 words"_qs.arg(record.wordCount());
@@ -52,18 +52,6 @@ QString HistoryModel::emptyMessage() const {
                ? u"Try a different word or clear the search to see every dictation."_qs
                : u"Completed dictations are saved here automatically. Start from Home or use "
                  "Control Option Space."_qs;
-}
-
-void HistoryModel::copy(int row) {
-    if (hasRow(row))
-        store()->copyTranscript(rows()[row].text);
-}
-
-void HistoryModel::remove(int row) {
-    if (!hasRow(row))
-        return;
-    const TranscriptRecord record = rows()[row]; // the rows change on the way
-    store()->deleteTranscript(record);
 }
 
 } // namespace lorvane

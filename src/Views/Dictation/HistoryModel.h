@@ -32,13 +32,14 @@ public:
     QString emptyTitle() const;
     QString emptyMessage() const;
 
-    Q_INVOKABLE void copy(int row);
-    Q_INVOKABLE void remove(int row);
-
 protected:
     void observe(AppStore &store) override;
     void load() override;
     bool fits(const TranscriptRecord &record, const TextSearch &search) const override;
+    QString textToCopy(const TranscriptRecord &row) const override { return row.text; }
+    void removeFrom(AppStore &store, const TranscriptRecord &row) override {
+        store.deleteTranscript(row);
+    }
 };
 
 } // namespace lorvane

@@ -14,8 +14,14 @@ Item {
     readonly property real lastPosition: Math.max(firstPosition, page.originY + page.contentHeight
                                                  + page.bottomMargin - page.height)
 
+    // A way of less than a page is gone in steps of less than a card: a list makes what comes before
+    // it lets go of what leaves.
     function scrollTo(position: real) {
-        page.contentY = Math.max(firstPosition, Math.min(lastPosition, position));
+        const start = page.contentY;
+        const distance = Math.max(firstPosition, Math.min(lastPosition, position)) - start;
+        const steps = Math.abs(distance) < page.height ? Math.ceil(Math.abs(distance) / 50) : 1;
+        for (let step = 1; step <= steps; ++step)
+            page.contentY = start + distance * step / steps;
     }
 
     function reveal(item: Item) {
@@ -32,7 +38,9 @@ Item {
             [Qt.Key_Up]: -40,
             [Qt.Key_Down]: 40,
             [Qt.Key_PageUp]: -page.height * 0.9,
-            [Qt.Key_PageDown]: page.height * 0.9
+            [Qt.Key_PageDown]: page.height * 0.9,
+            [Qt.Key_Home]: -Infinity,
+            [Qt.Key_End]: Infinity
         };
         if (!(event.key in steps))
             return;

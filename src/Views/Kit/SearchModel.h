@@ -31,6 +31,11 @@ public:
     bool isEmpty() const { return rowCount() == 0; }
     bool isSearching() const { return !search_.isEmpty(); }
 
+    /// Puts what the row stands for on the pasteboard.
+    Q_INVOKABLE virtual void copy(int row) = 0;
+    /// Deletes it from the library.
+    Q_INVOKABLE virtual void remove(int row) = 0;
+
 Q_SIGNALS:
     void storeChanged();
     void searchChanged();
@@ -56,58 +61,73 @@ public:
     using SearchModel::SearchModel;
 
     int rowCount(const QModelIndex &parent = {}) const override {
-        return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+        return parent.isValid() ? 0 : static_cast<int>(shown_.size());
+    }
+
+    void copy(int row) override {
+        if (hasRow(row))
+            store()->copyTranscript(textToCopy(at(row)));
+    }
+    void remove(int row) override {
+        if (!hasRow(row))
+            return;
+        const Row removed = at(row); // the rows change on the way
+        removeFrom(*store(), removed);
     }
 
 protected:
     virtual bool fits(const Row &row, const TextSearch &search) const = 0;
+    virtual QString textToCopy(const Row &row) const = 0;
+    virtual void removeFrom(AppStore &store, const Row &row) = 0;
 
-    /// The rows that are shown.
-    const QList<Row> &rows() const { return rows_; }
     bool hasRow(int row) const { return row >= 0 && row < rowCount(); }
+    /// One of those that are shown.
+    const Row &at(int row) const { return all_.at(shown_.at(row)); }
 
-    void setAll(QList<Row> all) {
-        all_ = std::move(all);
-        filter();
+    void setAll(const QList<Row> &all) {
+        show(all);
         if (!isEmpty())
             Q_EMIT dataChanged(index(0), index(rowCount() - 1));
     }
 
-    void filter() override {
-        QList<Row> fitting;
-        const TextSearch wanted(search());
-        if (!isSearching()) {
-            fitting = all_;
-        } else {
-            for (const Row &row : std::as_const(all_))
-                if (fits(row, wanted))
-                    fitting.append(row);
-        }
-        change(std::move(fitting));
+    void filter() override { show(all_); }
+
+private:
+    void show(const QList<Row> &all) {
+        change(all, fitting(all));
         Q_EMIT rowsChanged();
     }
 
-private:
-    void change(QList<Row> after) {
-        const ListChange change = ListChange::between(
-            rows_, after, [](const Row &left, const Row &right) { return left.id == right.id; });
+    QList<qint32> fitting(const QList<Row> &all) const {
+        QList<qint32> fitting;
+        const TextSearch wanted(search());
+        for (qint32 i = 0; i < all.size(); ++i)
+            if (!isSearching() || fits(all.at(i), wanted))
+                fitting.append(i);
+        return fitting;
+    }
+
+    void change(QList<Row> all, QList<qint32> shown) {
+        const ListChange change =
+            ListChange::between(shown_, shown, [&](qint32 before, qint32 after) {
+                return all_.at(before).id == all.at(after).id;
+            });
         const int first = static_cast<int>(change.first);
         if (change.removed > 0) {
-            QList<Row> kept = after;
-            kept.remove(change.first, change.inserted);
             beginRemoveRows({}, first, first + static_cast<int>(change.removed) - 1);
-            rows_ = std::move(kept);
+            shown_.remove(change.first, change.removed);
             endRemoveRows();
         }
         if (change.inserted > 0)
             beginInsertRows({}, first, first + static_cast<int>(change.inserted) - 1);
-        rows_ = std::move(after);
+        all_ = std::move(all);
+        shown_ = std::move(shown);
         if (change.inserted > 0)
             endInsertRows();
     }
 
     QList<Row> all_;
-    QList<Row> rows_;
+    QList<qint32> shown_; ///< indices of `all_`: a search of a long list copies none of it
 };
 
 } // namespace lorvane

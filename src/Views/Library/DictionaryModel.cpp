@@ -30,7 +30,7 @@ bool DictionaryModel::fits(const DictionaryRow &row, const TextSearch &search) c
 QVariant DictionaryModel::data(const QModelIndex &index, int role) const {
     if (!hasRow(index.row()))
         return {};
-    const DictionaryRow &row = rows()[index.row()];
+    const DictionaryRow &row = at(index.row());
     switch (role) {
     case preferredTextRole: return row.preferredText;
     case recognizesRole: return QString(u"Recognizes: "_qs + row.phrases.join(u" · "_qs));
@@ -52,21 +52,9 @@ QString DictionaryModel::emptyMessage() const {
                            "you see in your transcriptions."_qs;
 }
 
-void DictionaryModel::copy(int row) {
-    if (hasRow(row))
-        store()->copyTranscript(rows()[row].preferredText);
-}
-
 void DictionaryModel::edit(int row, DictionaryEditor *editor) {
     if (hasRow(row))
-        editor->edit(rows()[row].entry);
-}
-
-void DictionaryModel::remove(int row) {
-    if (!hasRow(row))
-        return;
-    const VocabularyEntry entry = rows()[row].entry; // the rows change on the way
-    store()->deleteVocabulary(entry);
+        editor->edit(at(row).entry);
 }
 
 } // namespace lorvane

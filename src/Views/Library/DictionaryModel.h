@@ -34,14 +34,16 @@ public:
     QString emptyTitle() const;
     QString emptyMessage() const;
 
-    Q_INVOKABLE void copy(int row);
     Q_INVOKABLE void edit(int row, lorvane::DictionaryEditor *editor);
-    Q_INVOKABLE void remove(int row);
 
 protected:
     void observe(AppStore &store) override;
     void load() override;
     bool fits(const DictionaryRow &row, const TextSearch &search) const override;
+    QString textToCopy(const DictionaryRow &row) const override { return row.preferredText; }
+    void removeFrom(AppStore &store, const DictionaryRow &row) override {
+        store.deleteVocabulary(row.entry);
+    }
 };
 
 } // namespace lorvane

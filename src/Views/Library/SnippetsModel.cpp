@@ -26,7 +26,7 @@ bool SnippetsModel::fits(const Snippet &snippet, const TextSearch &search) const
 QVariant SnippetsModel::data(const QModelIndex &index, int role) const {
     if (!hasRow(index.row()))
         return {};
-    const Snippet &snippet = rows()[index.row()];
+    const Snippet &snippet = at(index.row());
     switch (role) {
     case triggerRole: return snippet.trigger;
     case contentRole: return snippet.content;
@@ -48,21 +48,9 @@ QString SnippetsModel::emptyMessage() const {
                            "Dictate the phrase on its own to expand it."_qs;
 }
 
-void SnippetsModel::copy(int row) {
-    if (hasRow(row))
-        store()->copyTranscript(rows()[row].content);
-}
-
 void SnippetsModel::edit(int row, SnippetEditor *editor) {
     if (hasRow(row))
-        editor->edit(rows()[row]);
-}
-
-void SnippetsModel::remove(int row) {
-    if (!hasRow(row))
-        return;
-    const Snippet snippet = rows()[row]; // the rows change on the way
-    store()->deleteSnippet(snippet);
+        editor->edit(at(row));
 }
 
 } // namespace lorvane

@@ -24,14 +24,14 @@ public:
     QString emptyTitle() const;
     QString emptyMessage() const;
 
-    Q_INVOKABLE void copy(int row);
     Q_INVOKABLE void edit(int row, lorvane::SnippetEditor *editor);
-    Q_INVOKABLE void remove(int row);
 
 protected:
     void observe(AppStore &store) override;
     void load() override;
     bool fits(const Snippet &snippet, const TextSearch &search) const override;
+    QString textToCopy(const Snippet &row) const override { return row.content; }
+    void removeFrom(AppStore &store, const Snippet &row) override { store.deleteSnippet(row); }
 };
 
 } // namespace lorvane
