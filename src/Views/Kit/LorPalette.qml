@@ -14,11 +14,11 @@ QtObject {
     readonly property color outline: Qt.rgba(0, 0, 0, 0.15)
     readonly property color focus: translucent(accent, 0.6)
 
-    // What the design calls standard.
-    readonly property color red: "#ff3b30"
-    readonly property color orange: "#ff9500"
-    readonly property color green: "#28a745"
-    readonly property color blue: "#007aff"
+    // What the design calls standard: GNOME's, which small texts can be read in on the canvas.
+    readonly property color red: "#c01c28"
+    readonly property color orange: "#e66100"
+    readonly property color green: "#1b8553"
+    readonly property color blue: "#1c71d8"
 
     function translucent(color: color, opacity: real): color {
         return Qt.rgba(color.r, color.g, color.b, opacity);
