@@ -50,7 +50,8 @@ LorListPage {
                 text: "Export"
                 symbol: "square.and.arrow.up"
                 enabled: history.hasHistory
-                onClicked: page.store.exportHistory()
+                // The dialog keeps whoever opens it; a screen reader mustn't wait for its end.
+                onClicked: Qt.callLater(page.store.exportHistory)
             }
 
             LorMenuButton {

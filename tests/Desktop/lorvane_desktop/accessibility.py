@@ -113,11 +113,15 @@ class Element:
     def grab_focus(self):
         return self._call(_COMPONENT, "GrabFocus")[0]
 
+    def extents(self):
+        """Its left and upper edge, width and height, on the screen."""
+        on_screen = 0
+        found, = self._call(_COMPONENT, "GetExtents", GLib.Variant("(u)", (on_screen,)))
+        return found
+
     def middle(self):
         """The point in its middle, on the screen."""
-        on_screen = 0
-        (x, y, width, height), = self._call(_COMPONENT, "GetExtents",
-                                            GLib.Variant("(u)", (on_screen,)))
+        x, y, width, height = self.extents()
         return x + width // 2, y + height // 2
 
     def press(self):
