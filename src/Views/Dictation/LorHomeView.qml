@@ -69,6 +69,7 @@ LorScrollPage {
             visible: LorPages.isListed(LorPages.history)
             text: "View history"
             color: LorPalette.accent
+            font.pixelSize: 12
             font.weight: Font.Medium
             onClicked: page.showHistory()
         }

@@ -121,6 +121,7 @@ LorCard {
             visible: card.home.isRecording
             text: "Cancel"
             color: LorPalette.muted
+            font.pixelSize: 12
             onClicked: card.store.cancelRecording()
         }
     }

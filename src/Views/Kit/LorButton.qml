@@ -35,13 +35,9 @@ T.AbstractButton {
         cursorShape: Qt.PointingHandCursor
     }
 
-    Rectangle {
-        anchors.fill: parent
-        anchors.margins: -3
-        visible: button.visualFocus
-        radius: button.focusRadius + 3
-        color: "transparent"
-        border.width: 2
-        border.color: LorPalette.focus
+    // However the focus came, but by a click, which needs no answer.
+    LorFocusRing {
+        visible: button.activeFocus && button.focusReason !== Qt.MouseFocusReason
+        cornerRadius: button.focusRadius
     }
 }

@@ -17,6 +17,7 @@ ListView {
     bottomMargin: padding
     boundsBehavior: Flickable.StopAtBounds
     clip: true
+    focus: true
     reuseItems: true
     cacheBuffer: 0
     currentIndex: -1

@@ -8,11 +8,23 @@ LorPlainButton {
 
     default property alias entries: menu.contentData
 
+    // Which the menu leaves as it was.
+    property int reason: Qt.OtherFocusReason
+
     showsText: false
-    onClicked: menu.opened ? menu.close() : menu.popup(button, 0, button.height + 4)
+    onClicked: {
+        if (menu.opened) {
+            menu.close();
+            return;
+        }
+        reason = focusReason;
+        menu.popup(button, 0, button.height + 4);
+    }
 
     T.Menu {
         id: menu
+
+        onClosed: button.forceActiveFocus(button.reason)
 
         implicitWidth: contentItem.implicitWidth + 2 * padding
         implicitHeight: contentItem.contentHeight + 2 * padding

@@ -16,11 +16,17 @@ T.MenuItem {
     opacity: enabled ? 1 : 0.5
     Accessible.role: Accessible.MenuItem
     Accessible.name: text
-    Accessible.onPressAction: {
-        if (!item.enabled)
+    Accessible.onPressAction: choose()
+
+    Keys.onReturnPressed: choose()
+    Keys.onEnterPressed: choose()
+
+    // As a click does it.
+    function choose() {
+        if (!enabled)
             return;
-        item.menu.close();
-        item.triggered();
+        menu.close();
+        triggered();
     }
 
     background: Rectangle {

@@ -35,14 +35,9 @@ T.ComboBox {
         border.width: 1
         border.color: LorPalette.outline
 
-        Rectangle {
-            anchors.fill: parent
-            anchors.margins: -3
-            visible: picker.visualFocus
-            radius: 10
-            color: "transparent"
-            border.width: 2
-            border.color: LorPalette.focus
+        LorFocusRing {
+            visible: picker.activeFocus && picker.focusReason !== Qt.MouseFocusReason
+            cornerRadius: parent.radius
         }
     }
 

@@ -10,7 +10,7 @@ LorButton {
     property color color: LorPalette.ink
     property bool showsText: true
 
-    font.pixelSize: 12
+    font.pixelSize: 13
 
     contentItem: RowLayout {
         spacing: 6

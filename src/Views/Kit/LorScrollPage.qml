@@ -17,6 +17,7 @@ Flickable {
     contentHeight: stack.implicitHeight + 2 * padding
     boundsBehavior: Flickable.StopAtBounds
     clip: true
+    focus: true
 
     Keys.onPressed: event => scrolling.handle(event)
 

@@ -59,6 +59,7 @@ Rectangle {
             symbol: "xmark.circle.fill"
             showsText: false
             color: LorPalette.muted
+            font.pixelSize: 12
             onClicked: {
                 field.clear();
                 field.forceActiveFocus();

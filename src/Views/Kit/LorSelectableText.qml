@@ -23,56 +23,57 @@ Item {
     implicitWidth: edit.implicitWidth
     // The document has the spacing below its last line, too.
     implicitHeight: truncated ? maximumHeight : edit.contentHeight - lineSpacing
-    clip: truncated
 
-    Rectangle {
-        anchors.fill: parent
-        anchors.margins: -4
+    LorFocusRing {
         visible: edit.activeFocus && edit.selectedText === ""
-        radius: 4
-        color: "transparent"
-        border.width: 2
-        border.color: LorPalette.focus
+        distance: 4
+        cornerRadius: 0
     }
 
-    TextEdit {
-        id: edit
+    Item {
+        anchors.fill: parent
+        clip: selectable.truncated
 
-        width: parent.width
-        color: LorPalette.ink
-        font.pixelSize: 12
-        textFormat: TextEdit.PlainText
-        wrapMode: TextEdit.Wrap
-        readOnly: true
-        selectByMouse: true
-        activeFocusOnTab: true
-        selectionColor: LorPalette.accent
-        selectedTextColor: "white"
-        KeyNavigation.priority: KeyNavigation.BeforeItem
-        Accessible.role: Accessible.StaticText
-        Accessible.name: text
-        Accessible.readOnly: true
+        TextEdit {
+            id: edit
 
-        LineSpacing {
-            document: edit.textDocument
-            spacing: selectable.lineSpacing
+            width: parent.width
+            color: LorPalette.ink
+            font.pixelSize: 12
+            textFormat: TextEdit.PlainText
+            wrapMode: TextEdit.Wrap
+            readOnly: true
+            selectByMouse: true
+            selectByKeyboard: true
+            activeFocusOnTab: true
+            selectionColor: LorPalette.accent
+            selectedTextColor: "white"
+            KeyNavigation.priority: KeyNavigation.BeforeItem
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
+            Accessible.readOnly: true
+
+            LineSpacing {
+                document: edit.textDocument
+                spacing: selectable.lineSpacing
+            }
         }
-    }
 
-    Rectangle {
-        anchors.right: parent.right
-        anchors.bottom: parent.bottom
-        visible: selectable.truncated
-        width: ellipsis.width + 6
-        height: ellipsis.height
-
-        Text {
-            id: ellipsis
+        Rectangle {
             anchors.right: parent.right
-            text: "…"
-            font: edit.font
-            color: edit.color
-            Accessible.ignored: true
+            anchors.bottom: parent.bottom
+            visible: selectable.truncated
+            width: ellipsis.width + 6
+            height: ellipsis.height
+
+            Text {
+                id: ellipsis
+                anchors.right: parent.right
+                text: "…"
+                font: edit.font
+                color: edit.color
+                Accessible.ignored: true
+            }
         }
     }
 }

@@ -50,13 +50,8 @@ T.Switch {
         }
     }
 
-    Rectangle {
-        anchors.fill: parent
-        anchors.margins: -3
-        visible: control.visualFocus
-        radius: height / 2
-        color: "transparent"
-        border.width: 2
-        border.color: LorPalette.focus
+    LorFocusRing {
+        visible: control.activeFocus && control.focusReason !== Qt.MouseFocusReason
+        cornerRadius: control.height / 2
     }
 }

@@ -17,6 +17,12 @@ Flickable {
     boundsBehavior: Flickable.StopAtBounds
     clip: true
 
+    // The focus goes to the line that comes in its place.
+    function remove(row: int) {
+        editor.removeVariant(row);
+        variants.itemAt(Math.min(row, variants.count - 1)).takeFocus();
+    }
+
     ScrollBar.vertical: ScrollBar {}
 
     LorScrolling {
@@ -32,6 +38,8 @@ Flickable {
         spacing: 10
 
         Repeater {
+            id: variants
+
             model: list.editor
 
             RowLayout {
@@ -40,9 +48,15 @@ Flickable {
                 required property int index
                 required property string variant
 
+                function takeFocus() {
+                    field.forceActiveFocus(Qt.OtherFocusReason);
+                }
+
                 spacing: 8
 
                 LorTextField {
+                    id: field
+
                     label: "Recognized variant"
                     placeholderText: "e.g. shiv on or she vawn"
                     text: line.variant
@@ -54,7 +68,7 @@ Flickable {
                     symbol: "minus.circle"
                     showsText: false
                     enabled: list.editor.canRemoveVariant
-                    onClicked: list.editor.removeVariant(line.index)
+                    onClicked: list.remove(line.index)
                 }
             }
         }

@@ -14,6 +14,9 @@ Item {
         "WelcomeStep.qml", "GrantStep.qml", "GrantStep.qml", "GrantStep.qml", "PracticeStep.qml"
     ]
 
+    // From wherever the focus is: the page itself may have nothing that takes it.
+    Keys.onPressed: event => scrolling.handle(event)
+
     ColumnLayout {
         anchors.fill: parent
         anchors.margins: 30
@@ -61,20 +64,13 @@ Item {
             contentHeight: page.height + 40
             boundsBehavior: Flickable.StopAtBounds
             clip: true
-            activeFocusOnTab: contentHeight > height
             ScrollBar.vertical: ScrollBar {}
 
-            Keys.onUpPressed: flick(0, 400)
-            Keys.onDownPressed: flick(0, -400)
-
-            Rectangle {
-                parent: scroller
-                anchors.fill: parent
-                visible: scroller.activeFocus
-                radius: 6
-                color: "transparent"
-                border.width: 2
-                border.color: LorPalette.focus
+            LorScrolling {
+                id: scrolling
+                page: scroller
+                content: page
+                margin: 20
             }
 
             Loader {
@@ -102,7 +98,6 @@ Item {
             LorPlainButton {
                 text: "Set up later"
                 color: LorPalette.muted
-                font.pixelSize: 13
                 onClicked: guide.store.finishSetup()
             }
 
@@ -117,6 +112,8 @@ Item {
             }
 
             LorStandardButton {
+                id: continueButton
+
                 text: guide.setup.continueLabel
                 prominent: true
                 focus: true
@@ -135,6 +132,16 @@ Item {
     function showPage() {
         scroller.contentY = 0;
         page.setSource(pages[setup.step], { store: store, setup: setup });
+    }
+
+    // The button that has the focus may go away or out of use.
+    Connections {
+        target: guide.Window.window
+
+        function onActiveFocusItemChanged() {
+            if (guide.Window.activeFocusItem === guide.Window.contentItem)
+                continueButton.forceActiveFocus(Qt.OtherFocusReason);
+        }
     }
 
     Connections {

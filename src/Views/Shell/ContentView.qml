@@ -38,8 +38,14 @@ Rectangle {
                 visible: message !== ""
                 message: content.hasError ? content.store.errorMessage : content.store.statusMessage
                 isError: content.hasError
-                onDismiss: content.hasError ? content.store.dismissErrorMessage()
-                                            : content.store.dismissStatusMessage()
+                onDismiss: {
+                    // The focus goes back to where it was on the page.
+                    loader.forceActiveFocus();
+                    if (content.hasError)
+                        content.store.dismissErrorMessage();
+                    else
+                        content.store.dismissStatusMessage();
+                }
             }
 
             Loader {
