@@ -1,7 +1,7 @@
 #include "Views/Dictation/HomeModel.h"
-#include "Views/Shell/MainWindow.h"
+#include "Views/Kit/Formatting.h"
 
-#include "ViewFixture.h"
+#include "PageFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -32,58 +32,90 @@ TEST(HomeModelTest, ABarTakesItsShareOfTheLevel) {
     EXPECT_EQ(HomeModel::barShares().size(), 24);
 }
 
-class HomePageTest : public ViewFixture {
+const QStringList head{u"YOUR VOICE, IN WRITING"_qs, u"A little less typing."_qs,
+                       u"Speak naturally. Make room for your next good idea."_qs};
+const QStringList idleCard{u"Let your words flow."_qs,
+                           u"Hold a shortcut. Speak. Release to paste."_qs,
+                           u"DICTATION"_qs,
+                           u"Start dictation"_qs,
+                           u"Click to start, or hold"_qs,
+                           u"⌃  ⌥  Space"_qs};
+const QStringList preparingCard{u"Let your words flow."_qs,
+                                u"Hold a shortcut. Speak. Release to paste."_qs, u"DICTATION"_qs,
+                                u"Start dictation (out)"_qs, u"Preparing your words…"_qs};
+const QStringList finalButtons{u"Copy text"_qs, u"View history"_qs};
+const QStringList latest{u"Your latest thoughts"_qs, u"View history"_qs};
+const QStringList noThoughts{
+    u"It starts with a thought."_qs,
+    u"Your completed dictations will appear here. Tap the microphone above to make your first one."_qs};
+const QString footnote = u"Saved on this Mac · Speech recognition provided by Apple"_qs;
+
+class HomePageTest : public PageFixture {
 protected:
     void SetUp() override {
-        ViewFixture::SetUp();
-        window = std::make_unique<MainWindow>(engine, *store);
+        PageFixture::SetUp();
         window->open();
     }
-    void TearDown() override {
-        window.reset();
-        ViewFixture::TearDown();
-    }
 
-    std::unique_ptr<MainWindow> window;
+    static QStringList recordingCard(const QString &hint) {
+        return {u"Go on. We’re listening."_qs,
+                hint,
+                u"● LIVE"_qs,
+                u"Finish dictation"_qs,
+                meter,
+                u"Listening…"_qs,
+                u"Cancel"_qs};
+    }
+    static QStringList statistics(const QString &words, const QString &thoughts,
+                                  const QString &time) {
+        return {words, u"WORDS CAPTURED"_qs, thoughts, u"THOUGHTS SAVED"_qs,
+                time,  u"TIME DICTATING"_qs};
+    }
+    static QStringList thought(const TranscriptRecord &record) {
+        return {dateLabel(record.createdAt), u"%1 words"_qs.arg(record.wordCount()), record.text,
+                u"Copy text"_qs};
+    }
+    /// The banner and the page below it.
+    QStringList below(const QStringList &page) const {
+        const QString message = store->statusMessage();
+        if (message.isEmpty())
+            return page;
+        return QStringList{message, message, u"Dismiss message"_qs} + page;
+    }
+    const QStringList none = statistics(u"0"_qs, u"0"_qs, u"0s"_qs);
+
+    inline static const QString meter = u"Microphone audio level"_qs;
+    inline static const QString holdHint =
+        u"Keep holding the shortcut. Release to transcribe and paste."_qs;
+    inline static const QString buttonHint = u"Speak clearly, then finish when you’re ready."_qs;
 };
 
 TEST_F(HomePageTest, AnEmptyLibraryInvitesToAFirstDictation) {
-    const QStringList seen = names();
-    for (
-        const QString &text :
-        {u"YOUR VOICE, IN WRITING"_qs, u"A little less typing."_qs,
-         u"Speak naturally. Make room for your next good idea."_qs, u"Let your words flow."_qs,
-         u"Hold a shortcut. Speak. Release to paste."_qs, u"DICTATION"_qs, u"Start dictation"_qs,
-         u"Click to start, or hold"_qs, u"⌃  ⌥  Space"_qs, u"WORDS CAPTURED"_qs,
-         u"THOUGHTS SAVED"_qs, u"TIME DICTATING"_qs, u"0s"_qs, u"Your latest thoughts"_qs,
-         u"It starts with a thought."_qs,
-         u"Your completed dictations will appear here. Tap the microphone above to make your first one."_qs,
-         u"Saved on this Mac · Speech recognition provided by Apple"_qs})
-        EXPECT_TRUE(seen.contains(text)) << text.toStdString();
-    EXPECT_EQ(seen.count(u"0"_qs), 2);
-    for (const QString &text : {u"● LIVE"_qs, u"Cancel"_qs, u"Copy text"_qs, u"Listening…"_qs,
-                                u"Preparing your words…"_qs, u"Finish dictation"_qs})
-        EXPECT_FALSE(seen.contains(text)) << text.toStdString();
+    EXPECT_EQ(page(), head + idleCard + none + latest + noThoughts + QStringList{footnote});
 }
 
 TEST_F(HomePageTest, AHeldShortcutAsksToKeepHolding) {
     hold();
     speak(1s);
-    const QStringList seen = names();
-    for (const QString &text :
-         {u"Go on. We’re listening."_qs,
-          u"Keep holding the shortcut. Release to transcribe and paste."_qs, u"● LIVE"_qs,
-          u"Finish dictation"_qs, u"Microphone audio level"_qs, u"Listening…"_qs, u"Cancel"_qs})
-        EXPECT_TRUE(seen.contains(text)) << text.toStdString();
-    EXPECT_FALSE(seen.contains(u"Click to start, or hold"_qs));
-    EXPECT_TRUE(isEnabled(u"Finish dictation"_qs));
+    EXPECT_EQ(page(), below(head + recordingCard(holdHint) + none + latest + noThoughts +
+                            QStringList{footnote}));
+}
+
+TEST_F(HomePageTest, TheLiveTextStandsInTheCardWithoutButtons) {
+    hold();
+    speak(1s);
+    ports.speech.liveRequests().back()->give(FakeSpeech::result(u"live words"_qs, false));
+    clock().runUntilIdle();
+    EXPECT_EQ(page(), below(head + recordingCard(holdHint) + QStringList{u"live words"_qs} + none +
+                            latest + noThoughts + QStringList{footnote}));
 }
 
 TEST_F(HomePageTest, TheButtonStartsAndFinishesARecording) {
     ASSERT_TRUE(activate(u"Start dictation"_qs));
     clock().runUntilIdle();
     EXPECT_TRUE(store->isRecording());
-    EXPECT_TRUE(shows(u"Speak clearly, then finish when you’re ready."_qs));
+    EXPECT_EQ(page(), below(head + recordingCard(buttonHint) + none + latest + noThoughts +
+                            QStringList{footnote}));
 
     speak(1s);
     ASSERT_TRUE(activate(u"Finish dictation"_qs));
@@ -97,7 +129,7 @@ TEST_F(HomePageTest, CancelThrowsTheRecordingAway) {
     ASSERT_TRUE(activate(u"Cancel"_qs));
     clock().runUntilIdle();
     EXPECT_FALSE(store->isRecording());
-    EXPECT_TRUE(shows(u"Start dictation"_qs));
+    EXPECT_EQ(page(), below(head + idleCard + none + latest + noThoughts + QStringList{footnote}));
 }
 
 TEST_F(HomePageTest, WhileTheWordsArePreparedTheButtonIsOutOfUse) {
@@ -105,8 +137,8 @@ TEST_F(HomePageTest, WhileTheWordsArePreparedTheButtonIsOutOfUse) {
     speak(1s);
     letGo();
     ASSERT_TRUE(store->isBusy());
-    EXPECT_TRUE(shows(u"Preparing your words…"_qs));
-    EXPECT_FALSE(isEnabled(u"Start dictation"_qs));
+    EXPECT_EQ(page(),
+              below(head + preparingCard + none + latest + noThoughts + QStringList{footnote}));
     activate(u"Start dictation"_qs);
     clock().runUntilIdle();
     EXPECT_FALSE(store->isRecording());
@@ -115,16 +147,38 @@ TEST_F(HomePageTest, WhileTheWordsArePreparedTheButtonIsOutOfUse) {
 TEST_F(HomePageTest, AFinalTranscriptStandsInPlaceOfTheLatestThought) {
     dictate(u"hello there"_qs);
     ASSERT_TRUE(store->hasCompletedTranscript());
-    EXPECT_TRUE(shows(store->displayedTranscript()));
-    EXPECT_FALSE(shows(u"Your latest thoughts"_qs));
-    EXPECT_EQ(names().count(u"Copy text"_qs), 1);
+    const QString text = store->displayedTranscript();
+    const QStringList filled = statistics(u"2"_qs, u"1"_qs, u"1s"_qs);
+    EXPECT_EQ(page(), below(head + idleCard + QStringList{text} + finalButtons + filled +
+                            QStringList{footnote}));
 
     ports.pasteboard.setText(u"other"_qs);
     ASSERT_TRUE(activate(u"Copy text"_qs));
-    EXPECT_EQ(ports.pasteboard.text, store->displayedTranscript());
+    EXPECT_EQ(ports.pasteboard.text, text);
 
     hold();
-    EXPECT_TRUE(shows(u"Your latest thoughts"_qs)) << "the transcript is no longer a final one";
+    EXPECT_EQ(page(), below(head + recordingCard(holdHint) + filled + latest +
+                            thought(store->history().first()) + QStringList{footnote}))
+        << "the transcript is no longer a final one";
+}
+
+TEST_F(HomePageTest, AFinalTranscriptIsNotCopiedWhileItIsDelivered) {
+    hold();
+    speak(1s);
+    letGo();
+    answer(u"hello there"_qs);
+    ASSERT_TRUE(store->hasCompletedTranscript());
+    ASSERT_TRUE(store->isBusy()) << "the paste takes its time";
+    EXPECT_EQ(page(), below(head + preparingCard +
+                            QStringList{store->displayedTranscript(), u"Copy text (out)"_qs,
+                                        u"View history"_qs} +
+                            statistics(u"2"_qs, u"1"_qs, u"1s"_qs) + QStringList{footnote}));
+}
+
+TEST_F(HomePageTest, TheFinalTranscriptLeadsToTheHistory) {
+    dictate(u"hello there"_qs);
+    ASSERT_TRUE(activate(u"View history"_qs));
+    EXPECT_TRUE(shows(u"1 dictation"_qs));
 }
 
 TEST_F(HomePageTest, TheNewestRecordIsShownWithItsDateAndWords) {
@@ -137,14 +191,13 @@ TEST_F(HomePageTest, TheNewestRecordIsShownWithItsDateAndWords) {
         history.append(record);
     }
     store->setHistory(history);
-    const QStringList seen = names();
-    EXPECT_TRUE(seen.contains(u"newest"_qs));
-    EXPECT_TRUE(seen.contains(u"1 words"_qs)) << "always the plural";
-    EXPECT_TRUE(seen.contains(u"3,598"_qs)) << "grouped";
-    EXPECT_TRUE(seen.contains(u"1200"_qs)) << "not grouped";
-    EXPECT_TRUE(seen.contains(u"60m"_qs));
-    EXPECT_FALSE(seen.filter(u"Mar 14, 2026"_qs).isEmpty());
-    EXPECT_FALSE(seen.contains(u"It starts with a thought."_qs));
+    const TranscriptRecord &newest = store->history().first();
+    EXPECT_EQ(page(), head + idleCard + statistics(u"3,598"_qs, u"1200"_qs, u"60m"_qs) + latest +
+                          thought(newest) + QStringList{footnote})
+        << "the words are grouped, the records aren't";
+    EXPECT_TRUE(shows(u"1 words"_qs)) << "always the plural";
+    ASSERT_TRUE(activate(u"Copy text"_qs));
+    EXPECT_EQ(ports.pasteboard.text, u"newest"_qs);
 }
 
 } // namespace

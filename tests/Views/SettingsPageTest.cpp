@@ -26,6 +26,61 @@ class SettingsPageTest : public PageFixture {
 protected:
     void open() { openPage(u"Settings"_qs); }
 
+    /// All that the page shows. A dictation takes some buttons out of use.
+    static QStringList wholePage(bool isGranted, bool isLocked, bool hasRecording) {
+        const QString out = isLocked ? u" (out)"_qs : QString();
+        QStringList texts{
+            u"MAKE YOURSELF AT HOME"_qs,
+            u"Settings"_qs,
+            u"A few thoughtful defaults. Adjust them to fit the way you work."_qs,
+            u"DICTATION"_qs,
+            u"Getting started"_qs,
+            u"Review permissions, visual instructions and hold-to-talk practice."_qs,
+            u"Open setup guide"_qs + out,
+            u"Recording mini window"_qs,
+            u"A floating waveform and timer appear while you dictate, without moving your cursor."_qs,
+            u"Preview mini window"_qs + out,
+            u"Recognition language"_qs,
+            u"Choose the language you’ll speak."_qs,
+            u"Recognition language"_qs,
+            u"English (Australia)"_qs,
+            u"Smart punctuation"_qs,
+            u"Capitalize the opening letter and add an ending period when needed."_qs,
+            u"Smart punctuation"_qs,
+            u"Remove filler words"_qs,
+            u"Clean up common fillers such as “um” and “uh”."_qs,
+            u"Remove filler words"_qs,
+            u"Paste button recordings"_qs,
+            u"Also paste recordings started by clicking. Hold-to-talk always pastes; Accessibility access is required."_qs,
+            u"Paste button recordings"_qs,
+            u"SHORTCUT & PERMISSIONS"_qs,
+            u"Microphone"_qs,
+            isGranted ? u"Allowed. Voice recording is available."_qs
+                      : u"Access is needed before a recording can start."_qs,
+            u"Set up microphone"_qs + out,
+            u"Hold to talk"_qs,
+            u"Hold to record. Release to transcribe and paste at your cursor."_qs,
+            u"⌃  ⌥  Space"_qs,
+            u"Speech recognition"_qs,
+            isGranted ? u"Allowed"_qs : u"Denied — enable in System Settings"_qs,
+            u"Refresh"_qs,
+            u"Accessibility"_qs,
+            isGranted ? u"Enabled. Automatic insertion is available."_qs
+                      : u"Needed only to paste into another app automatically."_qs,
+            isGranted ? u"Enabled"_qs : u"Grant access"_qs,
+            u"YOUR DATA"_qs,
+            u"Personal by design"_qs,
+            u"Your history, dictionary, snippets, and scratchpad are stored locally in this Mac’s Application Support folder. Lorvane does not require an account."_qs,
+            u"Recognition uses Apple Speech. On-device recognition is used when supported; otherwise Apple may process speech online. Availability depends on the language, device, and system settings."_qs,
+            u"Audio is captured locally for the entire recording and removed after successful transcription. If transcription fails or the app quits while processing, the original audio is kept in Application Support/Lorvane/Recovery so your words can be recovered."_qs};
+        if (hasRecording)
+            texts.append(u"Show saved recording"_qs);
+        return texts +
+               QStringList{
+                   u"Lorvane is an independent implementation. Ventrel’s cloud transcription, AI rewriting, accounts, and cross-device sync are not included."_qs,
+                   u"Lorvane"_qs, u"Your voice. Your workspace."_qs};
+    }
+
     static bool isOn(const QString &toggle) {
         QAccessibleInterface *seen = find(toggle, QAccessible::CheckBox);
         return seen && seen->state().checked;
@@ -48,56 +103,29 @@ protected:
     }
 };
 
-TEST_F(SettingsPageTest, EveryTextIsThereInItsOrder) {
-    ports.permissions.accessibility = false;
+TEST_F(SettingsPageTest, EveryTextIsThereInItsOrderInEveryState) {
+    for (const bool isGranted : {true, false}) {
+        ports.permissions.microphone = isGranted ? 3 : 2;
+        ports.permissions.speech = isGranted ? 3 : 1;
+        ports.permissions.accessibility = isGranted;
+        open();
+        EXPECT_EQ(page(), wholePage(isGranted, false, false));
+        openPage(u"Home"_qs);
+    }
+    ports.permissions.microphone = 3;
+    ports.permissions.speech = 3;
+    ports.permissions.accessibility = true;
     open();
-    EXPECT_EQ(
-        pageNames(),
-        (QStringList{
-            u"MAKE YOURSELF AT HOME"_qs,
-            u"Settings"_qs,
-            u"A few thoughtful defaults. Adjust them to fit the way you work."_qs,
-            u"DICTATION"_qs,
-            u"Getting started"_qs,
-            u"Review permissions, visual instructions and hold-to-talk practice."_qs,
-            u"Open setup guide"_qs,
-            u"Recording mini window"_qs,
-            u"A floating waveform and timer appear while you dictate, without moving your cursor."_qs,
-            u"Preview mini window"_qs,
-            u"Recognition language"_qs,
-            u"Choose the language you’ll speak."_qs,
-            u"Recognition language"_qs,
-            u"English (Australia)"_qs,
-            u"Smart punctuation"_qs,
-            u"Capitalize the opening letter and add an ending period when needed."_qs,
-            u"Smart punctuation"_qs,
-            u"Remove filler words"_qs,
-            u"Clean up common fillers such as “um” and “uh”."_qs,
-            u"Remove filler words"_qs,
-            u"Paste button recordings"_qs,
-            u"Also paste recordings started by clicking. Hold-to-talk always pastes; Accessibility access is required."_qs,
-            u"Paste button recordings"_qs,
-            u"SHORTCUT & PERMISSIONS"_qs,
-            u"Microphone"_qs,
-            u"Allowed. Voice recording is available."_qs,
-            u"Set up microphone"_qs,
-            u"Hold to talk"_qs,
-            u"Hold to record. Release to transcribe and paste at your cursor."_qs,
-            u"⌃  ⌥  Space"_qs,
-            u"Speech recognition"_qs,
-            u"Allowed"_qs,
-            u"Refresh"_qs,
-            u"Accessibility"_qs,
-            u"Needed only to paste into another app automatically."_qs,
-            u"Grant access"_qs,
-            u"YOUR DATA"_qs,
-            u"Personal by design"_qs,
-            u"Your history, dictionary, snippets, and scratchpad are stored locally in this Mac’s Application Support folder. Lorvane does not require an account."_qs,
-            u"Recognition uses Apple Speech. On-device recognition is used when supported; otherwise Apple may process speech online. Availability depends on the language, device, and system settings."_qs,
-            u"Audio is captured locally for the entire recording and removed after successful transcription. If transcription fails or the app quits while processing, the original audio is kept in Application Support/Lorvane/Recovery so your words can be recovered."_qs,
-            u"Lorvane is an independent implementation. Ventrel’s cloud transcription, AI rewriting, accounts, and cross-device sync are not included."_qs,
-            u"Lorvane"_qs,
-            u"Your voice. Your workspace."_qs}));
+    hold();
+    speak(1s);
+    EXPECT_EQ(page().mid(3), wholePage(true, true, false)) << "below the message, while recording";
+    letGo();
+    EXPECT_EQ(page().mid(3), wholePage(true, true, false)) << "while the words are prepared";
+    ports.speech.fileRequests().back()->fail(u"It broke."_qs);
+    clock().advance(1s);
+    store->dismissErrorMessage();
+    store->dismissStatusMessage();
+    EXPECT_EQ(page(), wholePage(true, false, true)) << "with the audio of a failed dictation";
 }
 
 TEST_F(SettingsPageTest, AFlippedSwitchChangesItsSettingAtOnceAndTheLibrarySoon) {

@@ -118,7 +118,7 @@ TEST_F(SetupGuideTest, TheWaysToAGrantAreThereWhetherItIsGivenOrNot) {
     EXPECT_FALSE(shows(u"Show this app in Finder"_qs));
 }
 
-TEST_F(SetupGuideTest, EveryStepHasItsTexts) {
+TEST_F(SetupGuideTest, EveryStepHasItsTextsWithAndWithoutItsGrant) {
     const QString rebuilt =
         u"After a development rebuild, macOS may need you to allow this copy again. If access still fails, switch Lorvane off and back on, then reopen it if macOS asks."_qs;
     const auto refused = [](const QString &panel) {
@@ -141,20 +141,17 @@ TEST_F(SetupGuideTest, EveryStepHasItsTexts) {
         {u"Give your voice a way in."_qs,
          u"Click Allow microphone below, then choose Allow in the macOS prompt."_qs,
          illustration(u"Microphone"_qs), refused(u"Microphone"_qs), rebuilt,
-         u"Access is enabled"_qs, u"Check again"_qs, u"Already allowed"_qs,
-         u"Open Microphone settings"_qs, u"Show this app in Finder"_qs},
+         u"Open Microphone settings"_qs},
         {u"Let Apple turn speech into text."_qs,
          u"Click Allow Speech Recognition, then choose Allow in the macOS prompt. Apple may process audio online when on-device recognition is unavailable."_qs,
          illustration(u"Speech Recognition"_qs), refused(u"Speech Recognition"_qs), rebuilt,
-         u"Access is enabled"_qs, u"Check again"_qs, u"Already allowed"_qs,
-         u"Open Speech Recognition settings"_qs, u"Show this app in Finder"_qs},
+         u"Open Speech Recognition settings"_qs},
         {u"Put the words at your cursor."_qs,
          u"Accessibility access lets Lorvane restore your selected text field and request a paste. It’s optional if you prefer to copy and paste yourself."_qs,
          illustration(u"Accessibility"_qs),
          u"Open System Settings → Privacy & Security → Accessibility. On newer macOS versions this may be called Device Control and Data Access. Turn on Lorvane and authenticate if macOS asks."_qs,
          u"If Lorvane is missing, use the + button to add this app. Keep the app in the same location; if you move or rebuild it, macOS may ask you to allow it again."_qs,
-         u"Access is enabled"_qs, u"Check again"_qs, u"Already allowed"_qs,
-         u"Open Accessibility settings"_qs, u"Show this app in Finder"_qs},
+         u"Open Accessibility settings"_qs},
         {u"Hold. Speak. Release."_qs,
          u"Try dictating into the practice field below, or use any text field in another app."_qs,
          u"Microphone"_qs, u"Speech"_qs, u"Pasting"_qs, u"1"_qs, u"Click in a text field"_qs,
@@ -166,23 +163,68 @@ TEST_F(SetupGuideTest, EveryStepHasItsTexts) {
          u"Practice dictation text field"_qs,
          u"Click inside the box before holding the shortcut. Without paste access, use ⌘V after transcription. You can also click the microphone on Home to start and finish a recording."_qs},
     };
-    for (int step = 0; step < 5; ++step) {
-        store->showSetupGuide(step);
-        QStringList expected{u"Lorvane app icon"_qs, u"LORVANE · GETTING STARTED"_qs,
-                             u"%1 of 5"_qs.arg(step + 1)};
-        expected += SetupModel::steps() + pages[step];
-        expected.append(u"Set up later"_qs);
+    const QStringList requests{{},
+                               u"Allow microphone"_qs,
+                               u"Allow Speech Recognition"_qs,
+                               u"Request Accessibility access"_qs,
+                               {}};
+    const auto expected = [&](int step, bool isGranted) {
+        QStringList texts{u"Lorvane app icon"_qs, u"LORVANE · GETTING STARTED"_qs,
+                          u"%1 of 5"_qs.arg(step + 1)};
+        texts += SetupModel::steps() + pages[step];
+        if (!requests[step].isEmpty()) {
+            const QString settings = texts.takeLast();
+            texts += isGranted ? QStringList{u"Access is enabled"_qs, u"Check again"_qs,
+                                             u"Already allowed (out)"_qs}
+                               : QStringList{u"Waiting for your permission"_qs, u"Check again"_qs,
+                                             requests[step]};
+            texts += {settings, u"Show this app in Finder"_qs};
+        }
+        texts += u"Set up later"_qs;
         if (step > 0)
-            expected.append(u"Back"_qs);
-        expected.append(step == 4 ? u"Start using Lorvane"_qs : u"Continue"_qs);
-        expected.append(u"Reopen this walkthrough anytime in Settings → Open setup guide."_qs);
-
-        const QStringList seen = names();
-        EXPECT_EQ(seen.mid(seen.lastIndexOf(u"LORVANE · GETTING STARTED"_qs) - 1), expected);
-        QAccessibleInterface *current = find(SetupModel::steps().at(step));
-        ASSERT_NE(current, nullptr);
-        EXPECT_TRUE(current->state().selected);
+            texts += u"Back"_qs;
+        texts += step == 4 ? u"Start using Lorvane"_qs : u"Continue"_qs;
+        return texts +
+               QStringList{u"Reopen this walkthrough anytime in Settings → Open setup guide."_qs};
+    };
+    for (const bool isGranted : {true, false}) {
+        ports.permissions.microphone = isGranted ? 3 : 0;
+        ports.permissions.speech = isGranted ? 3 : 0;
+        ports.permissions.accessibility = isGranted;
+        for (int step = 0; step < 5; ++step) {
+            store->showSetupGuide(step);
+            EXPECT_EQ(sheet(), expected(step, isGranted));
+            QAccessibleInterface *current = find(SetupModel::steps().at(step));
+            ASSERT_NE(current, nullptr);
+            EXPECT_TRUE(current->state().selected);
+        }
     }
+}
+
+TEST_F(SetupGuideTest, ThePracticeTellsEachGrant) {
+    store->showSetupGuide(4);
+    const auto grants = [] {
+        QStringList told;
+        for (const QString &name : {u"Microphone"_qs, u"Speech"_qs, u"Pasting"_qs})
+            told.append(find(name, QAccessible::StaticText, 1) // after that of the step bar
+
+                            ->text(QAccessible::Description));
+        return told;
+    };
+    const QString yes = u"Allowed"_qs;
+    const QString no = u"Not allowed"_qs;
+    EXPECT_EQ(grants(), (QStringList{yes, yes, yes}));
+    ports.permissions.microphone = 0;
+    store->refreshPermissions();
+    EXPECT_EQ(grants(), (QStringList{no, yes, yes}));
+    ports.permissions.microphone = 3;
+    ports.permissions.speech = 1;
+    store->refreshPermissions();
+    EXPECT_EQ(grants(), (QStringList{yes, no, yes}));
+    ports.permissions.speech = 3;
+    ports.permissions.accessibility = false;
+    store->refreshPermissions();
+    EXPECT_EQ(grants(), (QStringList{yes, yes, no}));
 }
 
 TEST_F(SetupGuideTest, ThePracticeFieldKeepsItsTextUntilTheGuideEnds) {
