@@ -74,6 +74,16 @@ class LibraryPages(unittest.TestCase):
         field.focus()
         until(lambda: field.has_state(FOCUSED), 5, f"the focus on “{name}”")
 
+    def wait_for_fit(self, button, margin):
+        """The sheet ends at its margin below the last button."""
+        def below():
+            _, top, _, height = self.wait_for(button, role="push button").extents()
+            sheet = next(window for window in self.root().children()
+                         if window.find(button, states=(SHOWING,)))
+            _, sheet_top, _, sheet_height = sheet.extents()
+            return sheet_top + sheet_height - (top + height)
+        until(lambda: below() == margin, 5, f"the margin below “{button}”")
+
     def test_the_pages_can_be_read_searched_and_edited(self):
         self.press("History")
         self.wait_for("2 dictations")
@@ -95,6 +105,7 @@ class LibraryPages(unittest.TestCase):
         self.press("History options")
         self.press("Delete all history…")
         self.wait_for("This removes all saved dictations from Lorvane. This can’t be undone.")
+        self.wait_for_fit("Cancel", margin=24)
         self.press("Cancel")
         self.wait_until_gone("Delete all dictation history?")
 
@@ -102,6 +113,12 @@ class LibraryPages(unittest.TestCase):
         self.wait_for("Recognizes: kube ctl · cube control")
         self.press("Add name or phrase")
         self.wait_for("One name. Many ways to hear it.")
+        self.wait_for_fit("Save entry", margin=30)
+        self.press("Add another variant")
+        self.wait_for_fit("Save entry", margin=30)
+        self.press("Remove variant")
+        self.wait_for_fit("Save entry", margin=30)
+        self.focus("Preferred name or phrase")
         # The name has the focus; the next field is the first variant.
         self.wait_for_focus("Preferred name or phrase")
         run("xdotool", "type", "Siobhan")

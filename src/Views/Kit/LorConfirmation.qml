@@ -19,18 +19,12 @@ Loader {
 
     active: isPresented
 
-    sourceComponent: Window {
+    sourceComponent: LorDialog {
         title: "Lorvane"
-        flags: Qt.Dialog
         modality: Qt.WindowModal
         transientParent: confirmation.host.Window.window
         width: 400
-        height: column.implicitHeight + 2 * column.anchors.margins
-        minimumWidth: width
-        maximumWidth: width
-        minimumHeight: height
-        maximumHeight: height
-        color: LorPalette.canvas
+        contentHeight: column.implicitHeight + 2 * column.anchors.margins
         visible: true
         onClosing: confirmation.isPresented = false
 

@@ -5,7 +5,7 @@ import Lorvane
 
 // A modal sheet on the window of `host`, as high as what is in it. Escape and its frame cancel it,
 // Return presses the default button.
-Window {
+LorDialog {
     id: sheet
 
     required property Item host
@@ -16,15 +16,9 @@ Window {
     signal cancel
 
     title: heading
-    flags: Qt.Dialog
     modality: Qt.WindowModal
     transientParent: host.Window.window
-    height: column.implicitHeight + 2 * column.anchors.margins
-    minimumWidth: width
-    maximumWidth: width
-    minimumHeight: height
-    maximumHeight: height
-    color: LorPalette.canvas
+    contentHeight: column.implicitHeight + 2 * column.anchors.margins
     visible: true
     onClosing: cancel()
 

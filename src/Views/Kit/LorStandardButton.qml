@@ -9,6 +9,8 @@ LorButton {
     property bool prominent: false
     property bool destructive: false
 
+    readonly property bool filled: prominent && enabled
+
     horizontalPadding: 14
     verticalPadding: 7
     font.pixelSize: 13
@@ -16,15 +18,15 @@ LorButton {
 
     background: Rectangle {
         radius: 7
-        color: button.prominent ? LorPalette.translucent(LorPalette.accent, button.down ? 0.75 : 1)
-                                : (button.down ? LorPalette.sidebar : "white")
-        border.width: button.prominent ? 0 : 1
+        color: button.filled ? LorPalette.translucent(LorPalette.accent, button.down ? 0.75 : 1)
+                             : (button.down ? LorPalette.sidebar : "white")
+        border.width: button.filled ? 0 : 1
         border.color: LorPalette.outline
     }
 
     contentItem: LorButtonLabel {
         button: button
         symbol: button.symbol
-        color: button.prominent ? "white" : button.destructive ? LorPalette.red : LorPalette.ink
+        color: button.filled ? "white" : button.destructive ? LorPalette.red : LorPalette.ink
     }
 }

@@ -4,7 +4,7 @@ import QtQuick.Window
 import Lorvane
 
 // The question for a grant.
-Window {
+LorDialog {
     id: window
 
     required property QtObject question
@@ -15,14 +15,8 @@ Window {
     }
 
     title: "Lorvane"
-    flags: Qt.Dialog
     width: 380
-    height: column.implicitHeight + 48
-    minimumWidth: width
-    maximumWidth: width
-    minimumHeight: height
-    maximumHeight: height
-    color: LorPalette.canvas
+    contentHeight: column.implicitHeight + 2 * column.anchors.margins
     onClosing: question.answer(false)
 
     ColumnLayout {
