@@ -1,3 +1,4 @@
+#include "Views/Kit/Contrast.h"
 #include "Views/Kit/Formatting.h"
 #include "Views/Kit/Shadow.h"
 #include "Views/Kit/Symbols.h"
@@ -76,6 +77,26 @@ TEST(FormattingTest, DatesAreAbbreviatedWithAShortTime) {
     QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
     EXPECT_EQ(dateLabel(date), u"14.03.2026, 15:09"_qs);
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+}
+
+TEST(ContrastTest, EitherSettingAsksForMoreAndOthersDont) {
+    Contrast contrast;
+    const auto take = [&](const QString &space, const QString &key, const QVariant &value) {
+        QMetaObject::invokeMethod(&contrast, "take", Q_ARG(QString, space), Q_ARG(QString, key),
+                                  Q_ARG(QDBusVariant, QDBusVariant(value)));
+        return contrast.isHigh();
+    };
+    const QString standard = u"org.freedesktop.appearance"_qs;
+    const QString gnome = u"org.gnome.desktop.a11y.interface"_qs;
+    EXPECT_FALSE(contrast.isHigh());
+    EXPECT_FALSE(take(standard, u"color-scheme"_qs, 1U));
+    EXPECT_FALSE(take(u"org.elsewhere"_qs, u"contrast"_qs, 1U));
+    EXPECT_TRUE(take(standard, u"contrast"_qs, 1U));
+    EXPECT_TRUE(take(gnome, u"high-contrast"_qs, true));
+    EXPECT_TRUE(take(standard, u"contrast"_qs, 0U));
+    EXPECT_FALSE(take(gnome, u"high-contrast"_qs, false));
+    EXPECT_TRUE(take(standard, u"contrast"_qs, QVariant::fromValue(QDBusVariant(1U))))
+        << "as an answer has it";
 }
 
 TEST(ShadowTest, AShadowIsFullInTheMiddleHalfAtTheEdgeAndGoneOutside) {

@@ -1,23 +1,27 @@
 pragma Singleton
 import QtQuick
+import Lorvane.Models
 
-// The colours of the design.
+// The colours of the design. Texts and lines are darker for who has asked for more contrast.
 QtObject {
+    readonly property Contrast contrast: Contrast {}
+    readonly property bool isHigh: contrast.isHigh
+
     readonly property color canvas: Qt.rgba(0.97, 0.96, 0.94, 1)
     readonly property color sidebar: Qt.rgba(0.94, 0.93, 0.90, 1)
-    readonly property color ink: Qt.rgba(0.15, 0.18, 0.17, 1)
-    readonly property color muted: Qt.rgba(0.44, 0.46, 0.43, 1)
-    readonly property color accent: Qt.rgba(0.83, 0.29, 0.13, 1)
-    readonly property color line: Qt.rgba(0, 0, 0, 0.08)
+    readonly property color ink: isHigh ? "black" : Qt.rgba(0.15, 0.18, 0.17, 1)
+    readonly property color muted: isHigh ? "#333533" : Qt.rgba(0.44, 0.46, 0.43, 1)
+    readonly property color accent: isHigh ? "#8f2408" : Qt.rgba(0.83, 0.29, 0.13, 1)
+    readonly property color line: Qt.rgba(0, 0, 0, isHigh ? 0.6 : 0.08)
 
     // Around controls, and around the one that has the keyboard focus.
-    readonly property color outline: Qt.rgba(0, 0, 0, 0.15)
-    readonly property color focus: translucent(accent, 0.6)
+    readonly property color outline: Qt.rgba(0, 0, 0, isHigh ? 0.8 : 0.15)
+    readonly property color focus: translucent(accent, isHigh ? 1 : 0.6)
 
     // What the design calls standard: GNOME's, which small texts can be read in on the canvas.
-    readonly property color red: "#c01c28"
+    readonly property color red: isHigh ? "#8a0f18" : "#c01c28"
     readonly property color orange: "#e66100"
-    readonly property color green: "#1b8553"
+    readonly property color green: isHigh ? "#0b5a35" : "#1b8553"
     readonly property color blue: "#1c71d8"
 
     function translucent(color: color, opacity: real): color {

@@ -2,6 +2,7 @@
 
 #include "Views/Dictation/HistoryModel.h"
 #include "Views/Dictation/HomeModel.h"
+#include "Views/Kit/Contrast.h"
 #include "Views/Kit/DocumentText.h"
 #include "Views/Kit/LineSpacing.h"
 #include "Views/Kit/ReadingOrder.h"
@@ -20,6 +21,7 @@
 namespace lorvane {
 
 ViewEngine::ViewEngine(QObject *parent) : QQmlEngine(parent) {
+    qmlRegisterType<Contrast>("Lorvane.Models", 1, 0, "Contrast");
     qmlRegisterType<DictionaryEditor>("Lorvane.Models", 1, 0, "DictionaryEditor");
     qmlRegisterType<DictionaryModel>("Lorvane.Models", 1, 0, "DictionaryModel");
     qmlRegisterType<DocumentText>("Lorvane.Models", 1, 0, "DocumentText");
