@@ -61,6 +61,19 @@ TEST_F(DictationEndingTest, IncompleteTranscriptWithoutTextMakesNoRecord) {
     expectIdle();
 }
 
+TEST_F(DictationEndingTest, RecordWhoseRecordingHasNoLengthLastsAsLongAsItWasHeld) {
+    ports.speech.hasAnalyzer = true;
+    ports.speech.onAnalyze = [](const FakeSpeech::AnalysisPointer &analysis) {
+        analysis->give(u"hello"_s, 0, 1);
+        analysis->end();
+    };
+    hold();
+    clock().advance(2500ms);
+    letGo();
+    ASSERT_EQ(store->historyCount(), 1);
+    EXPECT_EQ(store->history().first().duration, 2.5);
+}
+
 TEST_F(DictationEndingTest, CancelThrowsTheRecordingAway) {
     hold();
     speak(1s);
