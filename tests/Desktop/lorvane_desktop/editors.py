@@ -24,13 +24,20 @@ class Editor:
         self._session = session
         self.process = session.spawn(name, *command)
         self.field = until(lambda: self._focused(role), 60, f"{name} with the cursor in its text")
-        self.window = run("xdotool", "getactivewindow").strip()
+        # The window manager tells of the window in front later than the editor of its focus.
+        self.window = until(self._window_in_front, 10, f"{name} in front")
 
     def _root(self):
         root = accessibility.application(self._session, self.process)
         if root:
             self.pid = root.pid
         return root
+
+    def _window_in_front(self):
+        """The number of its window, if that is in front."""
+        window = run("xdotool", "getactivewindow").strip()
+        is_own = window and run("xdotool", "getwindowpid", window).strip() == str(self.pid)
+        return window if is_own else None
 
     def _focused(self, role, besides=None):
         root = self._root()
@@ -49,6 +56,8 @@ class Editor:
     def focus(self, element=None):
         """Brings the editor forward, with the cursor in its text or in another field."""
         element = element or self.field
+        # Else the window could be in front still, before another one gets there.
+        self._session.settle()
         run("xdotool", "windowactivate", "--sync", self.window, check=True)
 
         def has_focus():

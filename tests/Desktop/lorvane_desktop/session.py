@@ -157,6 +157,15 @@ class Session:
                     "/org/freedesktop/impl/portal/PermissionStore",
                     "org.freedesktop.impl.portal.PermissionStore", method, arguments)
 
+    def settle(self):
+        """Returns when the window manager has done everything that it was asked for until now. It
+        answers in turn: the first time it has moved the focus, the second it has heard of that."""
+        count = int(run("xdotool", "get_num_desktops", check=True))
+        for number in (count + 1, count):
+            run("xdotool", "set_num_desktops", str(number), check=True)
+            until(lambda: int(run("xdotool", "get_num_desktops", check=True)) == number, 10,
+                  "an answer of the window manager")
+
     def screenshot(self, name):
         path = self.output / f"{name}.png"
         run("import", "-silent", "-window", "root", str(path), check=True)

@@ -168,7 +168,8 @@ class Trial:
         run("xdotool", "keydown", "--delay", "0", *keys.SHORTCUT, check=True)
         try:
             pressed = self.desk.probe.wait("press")
-            if pressed.get("process") != self.target.pid or ("element" in pressed) != is_trusted:
+            element = self.target.field.path if is_trusted else None
+            if (pressed.get("process"), pressed.get("element")) != (self.target.pid, element):
                 self.problems.append(f"the target was not captured: {pressed}")
             if scenario.meanwhile:
                 scenario.meanwhile(self.target, self.other)
