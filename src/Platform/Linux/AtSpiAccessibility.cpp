@@ -174,10 +174,21 @@ void AtSpiAccessibility::searchBelow(const AccessibleElement &element,
 void AtSpiAccessibility::handleStateChange(const QDBusMessage &event) {
     const bool isGain = event.arguments().value(1).toInt() != 0;
     FocusMemory &memory = applicationOf(event.service()).memory;
-    if (isGain)
-        memory.gained(event.path());
-    else
-        memory.lost(event.path());
+    if (!isGain)
+        return memory.lost(event.path());
+    memory.gained(event.path());
+    if (memory.candidates().size() > 1)
+        verify({event.service(), event.path()});
+}
+
+void AtSpiAccessibility::verify(const AccessibleElement &element) {
+    bus_.askForStates(element, [this, element](AtSpiStates states) {
+        const auto application = applications_.find(element.bus);
+        // Where no window is active, an element that has the focus may deny it.
+        if (application != applications_.end() && application->memory.isActive() &&
+            !states.has(AtSpiState::focused))
+            application->memory.denied(element.path);
+    });
 }
 
 void AtSpiAccessibility::handleFocus(const QDBusMessage &event) {

@@ -45,6 +45,8 @@ private:
     void search(const QString &bus);
     void searchBelow(const AccessibleElement &element, const std::shared_ptr<int> &questionsLeft);
 
+    void verify(const AccessibleElement &element);
+
     Q_SLOT void handleStateChange(const QDBusMessage &event);
     Q_SLOT void handleFocus(const QDBusMessage &event);
     Q_SLOT void handleActivation(const QDBusMessage &event);

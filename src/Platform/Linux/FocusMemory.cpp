@@ -1,5 +1,7 @@
 #include "Platform/Linux/FocusMemory.h"
 
+#include <algorithm>
+
 namespace lorvane {
 
 void FocusMemory::gained(const QString &element) {
@@ -29,6 +31,16 @@ void FocusMemory::lost(const QString &element) {
     for (Candidate &candidate : candidates_) {
         if (candidate.element == element)
             candidate.hasLost = true;
+    }
+}
+
+void FocusMemory::denied(const QString &element) {
+    const auto holds = [](const Candidate &candidate) { return !candidate.hasLost; };
+    // The only one that is left isn't given up, nor is one that has lost it in the meantime.
+    if (std::count_if(candidates_.cbegin(), candidates_.cend(), holds) > 1) {
+        candidates_.removeIf([&](const Candidate &candidate) {
+            return holds(candidate) && candidate.element == element;
+        });
     }
 }
 

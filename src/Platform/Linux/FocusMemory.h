@@ -18,6 +18,9 @@ public:
     void lost(const QString &element);
     /// The event of older toolkits, which have no `lost`. Some send both: then it says less.
     void gainedInOldWay(const QString &element);
+    /// What an element says that was told to have gained the focus: it doesn't have it. Some tell
+    /// of their last field only after the user has gone on to another.
+    void denied(const QString &element);
     void windowActivated(const QString &window);
     void windowDeactivated(const QString &window);
     /// What a search has found: counts only as long as the application has told nothing itself.

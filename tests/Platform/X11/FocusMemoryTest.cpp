@@ -107,5 +107,24 @@ TEST(AccessibilityWithoutABus, HasNoElementsAndDoesNotWait) {
     EXPECT_LT(timer.elapsed(), 200);
 }
 
+TEST(FocusMemory, AnElementThatDeniesItsFocusMakesWayForTheOneBeforeIt) {
+    FocusMemory memory;
+    memory.gained(text);
+    memory.gained(field); // told late, of a window that came forward
+    memory.denied(field);
+    EXPECT_THAT(memory.candidates(), ElementsAre(text));
+}
+
+TEST(FocusMemory, ADenialCountsNeitherForTheOnlyElementNorForOneThatLostItsFocus) {
+    FocusMemory memory;
+    memory.gained(text);
+    memory.denied(text);
+    EXPECT_THAT(memory.candidates(), ElementsAre(text));
+    memory.gained(pane);
+    memory.lost(pane); // to a grab of the keyboard
+    memory.denied(pane);
+    EXPECT_THAT(memory.candidates(), ElementsAre(pane, text));
+}
+
 } // namespace
 } // namespace lorvane
