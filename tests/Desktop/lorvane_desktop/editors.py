@@ -61,10 +61,10 @@ class Editor:
         run("xdotool", "windowactivate", "--sync", self.window, check=True)
 
         def has_focus():
-            if element.has_state(accessibility.FOCUSED):
-                return True
+            # Asked for every time: LibreOffice's text says that it has the focus while its window
+            # comes forward, and then the field gets it that had it last.
             element.grab_focus()
-            return False
+            return element.has_state(accessibility.FOCUSED)
 
         until(has_focus, 10, f"the focus in {self.name}")
 

@@ -88,19 +88,55 @@ class Session:
         os.environ["DBUS_SESSION_BUS_ADDRESS"] = address
         self.bus = connect(address)
 
+        (self.home / "pulse.pa").write_text(PULSE)
+        # All at once, for each takes its time.
+        starts = [self.start_accessibility(), self.start_window_manager(),
+                  self.start_sound_server()]
+        for wait in starts:
+            wait()
+
+    # Each starts a part of the desktop, also anew once it was ended, and gives what waits for it.
+
+    def start_accessibility(self):
         self.spawn("accessibility", "/usr/libexec/at-spi-bus-launcher", "--launch-immediately",
                    "--a11y=1")
+
+        def wait():
+            self.accessibility_bus = connect(until(self._accessibility_address, 10,
+                                                   "the accessibility bus"))
+            # Whoever misses the bus has the session bus start it, and it is off then.
+            call(self.bus, "org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Properties", "Set",
+                 GLib.Variant("(ssv)", ("org.a11y.Status", "IsEnabled", GLib.Variant("b", True))))
+        return wait
+
+    def start_window_manager(self):
         self.spawn("openbox", "openbox", "--sm-disable")
-        (self.home / "pulse.pa").write_text(PULSE)
+        return lambda: until(self._has_window_manager, 10, "the window manager")
+
+    def _has_window_manager(self):
+        """Whether the window that a window manager tells of is there; it may be an older one's."""
+        told = run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK")
+        window = told.rpartition("# ")[2].strip()
+        return "window id" in told and window in run("xprop", "-id", window,
+                                                     "_NET_SUPPORTING_WM_CHECK")
+
+    def start_sound_server(self):
         self.sound_server = self.spawn(
             "pulseaudio", "pulseaudio", "-n", "-F", self.home / "pulse.pa", "--daemonize=no",
             "--exit-idle-time=-1", "--use-pid-file=no", "--log-target=stderr", "--realtime=no",
             "--high-priority=no")
-        until(lambda: "window id" in run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), 10,
-              "the window manager")
-        until(lambda: "microphone" in run("pactl", "get-default-source"), 10, "the sound server")
-        self.accessibility_bus = connect(until(self._accessibility_address, 10,
-                                               "the accessibility bus"))
+        return lambda: until(lambda: "microphone" in run("pactl", "get-default-source"), 10,
+                             "the sound server")
+
+    def stop_for(self, seconds, processes=None):
+        """Stops some processes, or all of the desktop, as if the machine slept."""
+        processes = processes or [process for process in self._processes
+                                  if process.poll() is None]
+        for process in processes:
+            os.killpg(process.pid, signal.SIGSTOP)
+        time.sleep(seconds)
+        for process in processes:
+            os.killpg(process.pid, signal.SIGCONT)
 
     def spawn(self, name, *command, **options):
         """Starts a process that the session ends at its end. Its output goes to NAME.log."""
@@ -132,6 +168,10 @@ class Session:
         return line
 
     def _accessibility_address(self):
+        # Asked before it has its name, the session bus would start another one, which is off.
+        if not call(self.bus, "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "NameHasOwner",
+                    GLib.Variant("(s)", ("org.a11y.Bus",)))[0]:
+            return None
         try:
             return call(self.bus, "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress")[0]
         except GLib.Error:
