@@ -9,7 +9,7 @@ import subprocess
 import threading
 import time
 
-from . import editors, keys, microphone, voices
+from . import accessibility, editors, keys, microphone, voices
 from .lorvane import Lorvane
 from .session import run
 from .waiting import until
@@ -30,6 +30,7 @@ class Kills:
         self._typed = ""
         self._lorvane = None
         self._kept = set()
+        self._killed = None  # the moment
         self._finish = None  # seconds from the release to the pasted text
         self.counts = {}
         self.failures = []
@@ -76,7 +77,11 @@ class Kills:
     def _kill_after(self, seconds):
         """Sets the moment of the kill; gives what waits for it."""
         process = self._lorvane.process
-        timer = threading.Timer(seconds, lambda: os.killpg(process.pid, signal.SIGKILL))
+
+        def kill():
+            os.killpg(process.pid, signal.SIGKILL)
+            self._killed = time.monotonic()
+        timer = threading.Timer(seconds, kill)
         timer.start()
 
         def wait():
@@ -118,11 +123,13 @@ class Kills:
                 playing = microphone.say(self._session, self._voice)
                 while playing.speaking() and self._lorvane.process.poll() is None:
                     time.sleep(0.01)
-                spoken = time.monotonic() - playing.started
+                ended = time.monotonic()
                 self._session.end(self._session.process("speech"))
         if not wait:
             wait = self._kill_after(after_release)
         wait()
+        if live:
+            spoken = min(ended, self._killed) - playing.started
         alive.set()
         watcher.join()
         time.sleep(0.2)
@@ -183,6 +190,7 @@ class Kills:
         run("xdotool", "windowactivate", "--sync",
             run("xdotool", "search", "--onlyvisible", "--name", "^Lorvane$").split()[0])
         pad.focus()
+        until(lambda: pad.has_state(accessibility.FOCUSED), 5, "the cursor in the scratchpad")
         typed = saved = ""
         wait = self._kill_after(self._random.uniform(0, EDITING))
         while self._lorvane.process.poll() is None:
