@@ -12,9 +12,7 @@ LinuxPlatform::LinuxPlatform(QQmlEngine &engine)
           QDBusConnection::sessionBus(), userDefaults_,
           [this](const QString &question) { return prompt_.ask(question); },
           [this] { return keyboard_.isAvailable(); }),
-      overlay_(engine) {
-    speech_.preload();
-}
+      overlay_(engine) {}
 
 Ports LinuxPlatform::ports() {
     return {clock_,   audioInput_, audioFile_,     speech_,   permissions_,

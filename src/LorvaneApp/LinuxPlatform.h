@@ -22,12 +22,13 @@ namespace lorvane {
 /// The adapters behind the ports on a Linux desktop. Needs a QApplication. Main thread only.
 class LinuxPlatform {
 public:
-    /// Begins to load the recogniser's models, so that the first dictation needn't wait for them.
     /// `engine` outlives this.
     explicit LinuxPlatform(QQmlEngine &engine);
 
     Ports ports();
     OverlayWindow &overlay() { return overlay_; }
+    /// Begins to load the recogniser's models, so that the first dictation needn't wait for them.
+    void preload() { speech_.preload(); }
 
 private:
     SystemClock clock_;

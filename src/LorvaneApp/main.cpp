@@ -9,7 +9,10 @@
 #include "Views/Shell/TrayItem.h"
 #include "Views/Shell/ViewEngine.h"
 
+#include <QTimer>
+
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 int main(int argc, char **argv) {
     using namespace lorvane;
@@ -36,5 +39,10 @@ int main(int argc, char **argv) {
     TrayItem tray(store, window);
     QObject::connect(&instance, &SingleInstance::activated, &window, &MainWindow::open);
     window.open();
+    // The models take a processor for a second: not before the window is there, which may be never,
+    // on a workspace that nobody looks at.
+    const auto preload = [&platform] { platform.preload(); };
+    QObject::connect(&window, &MainWindow::drawn, &application, preload, Qt::SingleShotConnection);
+    QTimer::singleShot(3s, &application, preload);
     return QApplication::exec();
 }

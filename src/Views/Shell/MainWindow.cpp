@@ -38,10 +38,12 @@ void MainWindow::make() {
     QObject *object =
         component.createWithInitialProperties({{u"store"_qs, QVariant::fromValue(&store_)}});
     window_.reset(qobject_cast<QQuickWindow *>(object));
-    if (window_)
-        window_->installEventFilter(this);
-    else
+    if (!window_)
         qFatal("The main window can't be made: %s", qPrintable(component.errorString()));
+    window_->installEventFilter(this);
+    const auto once =
+        static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection);
+    connect(window_.get(), &QQuickWindow::frameSwapped, this, &MainWindow::drawn, once);
 }
 
 // Ahead of whatever has the focus in the window.

@@ -30,6 +30,10 @@ public:
     QMenu &menu() { return menu_; }
     bool isOpen() const { return window_ && window_->isVisible(); }
 
+Q_SIGNALS:
+    /// A window that was opened has shown its first picture.
+    void drawn();
+
 protected:
     bool eventFilter(QObject *object, QEvent *event) override;
 
