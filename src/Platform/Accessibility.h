@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Task.h"
 #include "Platform/Workspace.h"
 
 #include <QString>
@@ -15,8 +16,8 @@ struct AccessibleElement {
     bool operator==(const AccessibleElement &) const = default;
 };
 
-/// Reads and sets the keyboard focus inside applications. Main thread only; each call ends within
-/// half a second, also when the application hangs.
+/// Reads and sets the keyboard focus inside applications. Main thread only; nothing here holds it
+/// up, and each call ends within half a second, also when the application hangs.
 class Accessibility {
 public:
     Accessibility() = default;
@@ -25,11 +26,11 @@ public:
     virtual ~Accessibility() = default;
 
     /// The element that holds the keyboard focus in an application, if it says so.
-    virtual std::optional<AccessibleElement>
-    focusedElement(const RunningApplication &application) = 0;
+    virtual Async<std::optional<AccessibleElement>>
+    focusedElement(RunningApplication application) = 0;
 
     /// Gives an element the keyboard focus; false if it refuses or doesn't answer.
-    virtual bool setFocused(const AccessibleElement &element) = 0;
+    virtual Async<bool> setFocused(AccessibleElement element) = 0;
 };
 
 } // namespace lorvane

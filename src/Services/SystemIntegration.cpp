@@ -31,9 +31,10 @@ SystemIntegration::captureDestination(const std::optional<RunningApplication> &f
     if (!candidate || ports_.workspace.isTerminated(*candidate))
         return std::nullopt;
 
-    PasteDestination destination{*candidate, std::nullopt};
+    PasteDestination destination{*candidate, {}};
     if (accessibilityGranted())
-        destination.focusedElement = ports_.accessibility.focusedElement(*candidate);
+        destination.focusedElement = Task<std::optional<AccessibleElement>>::run(
+            ports_.accessibility.focusedElement(*candidate));
     return destination;
 }
 
@@ -51,9 +52,10 @@ Async<bool> SystemIntegration::paste(QString text, std::optional<PasteDestinatio
     co_await sleep(ports_.clock, activationWait);
     if (cancellation.stop_requested() || !inFront(app))
         co_return false;
-    if (destination->focusedElement) {
-        const bool restored = co_await restoreFocus(app, *destination->focusedElement);
-        if (!restored)
+    if (const auto captured = destination->focusedElement) {
+        const std::optional<AccessibleElement> element = co_await captured;
+        const bool restored = !element || co_await restoreFocus(app, *element);
+        if (!restored || cancellation.stop_requested())
             co_return false;
     }
     // Reading the focus took a moment, in which the user may have left.
@@ -63,14 +65,20 @@ Async<bool> SystemIntegration::paste(QString text, std::optional<PasteDestinatio
 
 Async<bool> SystemIntegration::restoreFocus(RunningApplication app, AccessibleElement element) {
     const std::stop_token cancellation = co_await currentCancellation;
-    if (ports_.accessibility.focusedElement(app) == element)
+    const auto present = co_await ports_.accessibility.focusedElement(app);
+    if (present == element)
         co_return true;
-    if (!ports_.accessibility.setFocused(element))
+    // Reading took a moment, in which the user may have left.
+    if (cancellation.stop_requested() || !inFront(app))
+        co_return false;
+    const bool isSet = co_await ports_.accessibility.setFocused(element);
+    if (!isSet)
         co_return false;
     co_await sleep(ports_.clock, focusWait);
     if (cancellation.stop_requested() || !inFront(app))
         co_return false;
-    co_return ports_.accessibility.focusedElement(app) == element;
+    const auto settled = co_await ports_.accessibility.focusedElement(app);
+    co_return settled == element;
 }
 
 /// The application with the window of it that is in front, if one is.

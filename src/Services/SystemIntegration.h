@@ -18,9 +18,9 @@ public:
     /// Where the text of a dictation goes.
     struct PasteDestination {
         RunningApplication app;
-        /// What held the keyboard focus in `app` when the destination was captured.
-        std::optional<AccessibleElement> focusedElement;
-        bool operator==(const PasteDestination &) const = default;
+        /// What held the keyboard focus in `app` when the destination was captured. The application
+        /// was asked then, and its answer is on its way; absent if it wasn't asked.
+        Task<std::optional<AccessibleElement>> focusedElement;
     };
 
     enum class PrivacyPane { microphone, speech, accessibility };
@@ -31,7 +31,7 @@ public:
     void copy(const QString &text);
 
     /// The application in front and its focused element. With `allowOwnApp` false, `fallback`
-    /// stands in for this application.
+    /// stands in for this application. Doesn't wait for any application.
     std::optional<PasteDestination>
     captureDestination(const std::optional<RunningApplication> &fallback, bool allowOwnApp = false);
 

@@ -85,11 +85,18 @@ private:
     void press() {
         watchdog_.start();
         target_ = integration_.captureDestination(std::nullopt, true);
+        Task<>::run(reportTarget(target_));
+    }
+
+    static Async<> reportTarget(std::optional<SystemIntegration::PasteDestination> target) {
         QJsonObject line{{u"event"_s, u"press"_s}};
-        if (target_)
-            line.insert(u"process"_s, target_->app.processId);
-        if (target_ && target_->focusedElement)
-            line.insert(u"element"_s, target_->focusedElement->path);
+        if (target)
+            line.insert(u"process"_s, target->app.processId);
+        if (target && target->focusedElement) {
+            const auto element = co_await target->focusedElement;
+            if (element)
+                line.insert(u"element"_s, element->path);
+        }
         report(line);
     }
 

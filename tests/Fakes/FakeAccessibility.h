@@ -31,32 +31,32 @@ public:
     int focusedElementCount = 0;
     QList<AccessibleElement> elementsSet;
 
-    std::optional<AccessibleElement>
-    focusedElement(const RunningApplication &application) override {
+    Async<std::optional<AccessibleElement>>
+    focusedElement(RunningApplication application) override {
         ++focusedElementCount;
         if (onRead)
             onRead();
         const auto element = focused.constFind(application.processId);
         if (element == focused.constEnd())
-            return std::nullopt;
-        return *element;
+            co_return std::nullopt;
+        co_return *element;
     }
 
-    bool setFocused(const AccessibleElement &element) override {
+    Async<bool> setFocused(AccessibleElement element) override {
         if (log_)
             log_->append(QStringLiteral("setFocused %1%2").arg(element.bus, element.path));
         elementsSet.append(element);
         if (onSetFocused)
             onSetFocused(element);
         if (!canSetFocus)
-            return false;
+            co_return false;
         if (focusTakesEffect) {
             for (AccessibleElement &other : focused) {
                 if (other.bus == element.bus)
                     other = element;
             }
         }
-        return true;
+        co_return true;
     }
 
 private:

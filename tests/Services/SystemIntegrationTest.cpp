@@ -17,6 +17,19 @@ const RunningApplication browser{43, 2, 101};
 const AccessibleElement field{u":1.5"_s, u"/field"_s};
 const AccessibleElement otherField{u":1.5"_s, u"/other"_s};
 
+using Destination = SystemIntegration::PasteDestination;
+using Element = std::optional<AccessibleElement>;
+
+Async<Element> giving(Element element) { co_return element; }
+
+Destination at(const RunningApplication &app, const Element &element) {
+    return {app, element ? Task<Element>::run(giving(element)) : Task<Element>()};
+}
+
+Element elementOf(const Destination &destination) {
+    return destination.focusedElement.operator co_await().await_resume();
+}
+
 class SystemIntegrationTest : public testing::Test {
 protected:
     FakePorts ports;
@@ -29,11 +42,11 @@ protected:
         ports.accessibility.focused[editor.processId] = field;
     }
 
-    Async<> run(std::optional<SystemIntegration::PasteDestination> destination) {
+    Async<> run(std::optional<Destination> destination) {
         pasted = co_await integration.paste(u"Hello."_s, destination);
     }
 
-    void paste(const std::optional<SystemIntegration::PasteDestination> &destination) {
+    void paste(const std::optional<Destination> &destination) {
         task = Task<>::run(run(destination));
     }
 
@@ -53,7 +66,7 @@ TEST_F(SystemIntegrationTest, CapturesTheFrontApplicationAndItsFocusedElement) {
     const auto destination = integration.captureDestination(std::nullopt);
     ASSERT_TRUE(destination);
     EXPECT_EQ(destination->app, editor);
-    EXPECT_EQ(destination->focusedElement, field);
+    EXPECT_EQ(elementOf(*destination), field);
 }
 
 TEST_F(SystemIntegrationTest, OwnApplicationIsCapturedOnlyWhenAllowed) {
@@ -61,7 +74,7 @@ TEST_F(SystemIntegrationTest, OwnApplicationIsCapturedOnlyWhenAllowed) {
     ports.workspace.front = own;
     EXPECT_EQ(integration.captureDestination(editor, true)->app, own);
     EXPECT_EQ(integration.captureDestination(editor, false)->app, editor);
-    EXPECT_EQ(integration.captureDestination(editor, false)->focusedElement, field);
+    EXPECT_EQ(elementOf(*integration.captureDestination(editor, false)), field);
     EXPECT_FALSE(integration.captureDestination(std::nullopt, false));
 }
 
@@ -86,7 +99,7 @@ TEST_F(SystemIntegrationTest, CaptureWithoutTheGrantAsksForNoElement) {
 // Pasting
 
 TEST_F(SystemIntegrationTest, TargetInFrontIsNotActivatedButWaitedForAllTheSame) {
-    paste({{editor, field}});
+    paste(at(editor, field));
     EXPECT_EQ(ports.log, QStringList{u"setText"_s});
     clock().advance(180ms - 1ns);
     EXPECT_EQ(ports.keyboard.pasteCount, 0);
@@ -97,7 +110,7 @@ TEST_F(SystemIntegrationTest, TargetInFrontIsNotActivatedButWaitedForAllTheSame)
 
 TEST_F(SystemIntegrationTest, TargetBehindIsActivatedFirst) {
     ports.workspace.front = browser;
-    paste({{editor, field}});
+    paste(at(editor, field));
     clock().advance(180ms);
     EXPECT_EQ(pasted, true);
     EXPECT_EQ(ports.log, QStringList({u"setText"_s, u"activate 42"_s, u"postPaste"_s}));
@@ -105,7 +118,7 @@ TEST_F(SystemIntegrationTest, TargetBehindIsActivatedFirst) {
 
 TEST_F(SystemIntegrationTest, TargetIsActivatedWhenNothingIsInFront) {
     ports.workspace.front = std::nullopt;
-    paste({{editor, field}});
+    paste(at(editor, field));
     clock().advance(180ms);
     EXPECT_EQ(pasted, true);
     EXPECT_EQ(ports.log, QStringList({u"setText"_s, u"activate 42"_s, u"postPaste"_s}));
@@ -113,7 +126,7 @@ TEST_F(SystemIntegrationTest, TargetIsActivatedWhenNothingIsInFront) {
 
 TEST_F(SystemIntegrationTest, TheKeyIsMeantForTheWindowThatIsInFrontThen) {
     const RunningApplication otherWindow{editor.processId, 7, editor.startTime};
-    paste({{editor, field}});
+    paste(at(editor, field));
     ports.workspace.bringForward(otherWindow);
     clock().advance(180ms);
     EXPECT_EQ(pasted, true);
@@ -125,7 +138,7 @@ TEST_F(SystemIntegrationTest, FocusThatNothingHoldsIsRestoredToo) {
     ports.accessibility.onSetFocused = [this](const AccessibleElement &element) {
         ports.accessibility.focused[editor.processId] = element;
     };
-    paste({{editor, field}});
+    paste(at(editor, field));
     clock().advance(260ms);
     EXPECT_EQ(pasted, true);
     EXPECT_EQ(ports.log, QStringList({u"setText"_s, u"setFocused :1.5/field"_s, u"postPaste"_s}));
@@ -144,7 +157,7 @@ TEST_F(SystemIntegrationTest, TargetCapturedWithoutTheGrantIsPastedIntoWithIt) {
 
 TEST_F(SystemIntegrationTest, LostFocusIsRestoredWithASecondWait) {
     ports.accessibility.focused[editor.processId] = otherField;
-    paste({{editor, field}});
+    paste(at(editor, field));
     clock().advance(260ms - 1ns);
     EXPECT_EQ(ports.keyboard.pasteCount, 0);
     clock().advance(1ns);
@@ -154,16 +167,47 @@ TEST_F(SystemIntegrationTest, LostFocusIsRestoredWithASecondWait) {
 
 TEST_F(SystemIntegrationTest, DestinationWithoutElementPastesIntoWhateverHasTheFocus) {
     ports.accessibility.focused.clear();
-    paste({{editor, std::nullopt}});
+    paste(at(editor, std::nullopt));
     clock().advance(180ms);
     EXPECT_EQ(pasted, true);
     EXPECT_EQ(ports.accessibility.focusedElementCount, 0);
 }
 
+/// What an application says that takes its time.
+Async<Element> answeringLate(Clock &clock, Element element) {
+    co_await sleep(clock, 200ms);
+    co_return element;
+}
+
+TEST_F(SystemIntegrationTest, AnswerThatIsStillOnItsWayIsWaitedFor) {
+    paste(Destination{editor, Task<Element>::run(answeringLate(clock(), field))});
+    clock().advance(199ms);
+    EXPECT_FALSE(pasted);
+    EXPECT_EQ(ports.keyboard.pasteCount, 0);
+    clock().advance(1ms);
+    EXPECT_EQ(pasted, true);
+    EXPECT_EQ(ports.accessibility.elementsSet, QList<AccessibleElement>());
+}
+
+TEST_F(SystemIntegrationTest, GivesUpWhenTheUserLeavesBeforeTheAnswer) {
+    paste(Destination{editor, Task<Element>::run(answeringLate(clock(), otherField))});
+    clock().advance(190ms);
+    ports.workspace.front = browser;
+    expectGaveUp();
+    EXPECT_EQ(ports.accessibility.elementsSet, QList<AccessibleElement>());
+}
+
+TEST_F(SystemIntegrationTest, GivesUpWhenItIsCancelledBeforeTheAnswer) {
+    paste(Destination{editor, Task<Element>::run(answeringLate(clock(), field))});
+    clock().advance(190ms);
+    task.cancel();
+    expectGaveUp();
+}
+
 TEST_F(SystemIntegrationTest, GivesUpWithoutTheGrantAndActivatesNothing) {
     ports.permissions.accessibility = false;
     ports.workspace.front = browser;
-    paste({{editor, field}});
+    paste(at(editor, field));
     expectGaveUp();
     EXPECT_TRUE(ports.workspace.activated.isEmpty());
 }
@@ -176,7 +220,7 @@ TEST_F(SystemIntegrationTest, GivesUpWithoutDestination) {
 TEST_F(SystemIntegrationTest, GivesUpWhenTheTargetHasQuit) {
     ports.workspace.front = browser;
     ports.workspace.terminated.insert(editor.processId);
-    paste({{editor, field}});
+    paste(at(editor, field));
     expectGaveUp();
     EXPECT_TRUE(ports.workspace.activated.isEmpty());
 }
@@ -184,7 +228,7 @@ TEST_F(SystemIntegrationTest, GivesUpWhenTheTargetHasQuit) {
 TEST_F(SystemIntegrationTest, GivesUpWhenTheActivationIsRefused) {
     ports.workspace.front = browser;
     ports.workspace.canActivate = false;
-    paste({{editor, field}});
+    paste(at(editor, field));
     EXPECT_EQ(pasted, false) << "it waited";
     expectGaveUp();
 }
@@ -192,19 +236,19 @@ TEST_F(SystemIntegrationTest, GivesUpWhenTheActivationIsRefused) {
 TEST_F(SystemIntegrationTest, GivesUpWhenTheActivationTakesNoEffect) {
     ports.workspace.front = browser;
     ports.workspace.activationTakesEffect = false;
-    paste({{editor, field}});
+    paste(at(editor, field));
     expectGaveUp();
 }
 
 TEST_F(SystemIntegrationTest, GivesUpWhenTheUserSwitchesAwayDuringTheFirstWait) {
-    paste({{editor, field}});
+    paste(at(editor, field));
     clock().advance(100ms);
     ports.workspace.bringForward(browser);
     expectGaveUp();
 }
 
 TEST_F(SystemIntegrationTest, GivesUpWhenNothingIsInFrontAfterTheFirstWait) {
-    paste({{editor, field}});
+    paste(at(editor, field));
     ports.workspace.front = std::nullopt;
     expectGaveUp();
 }
@@ -212,13 +256,13 @@ TEST_F(SystemIntegrationTest, GivesUpWhenNothingIsInFrontAfterTheFirstWait) {
 TEST_F(SystemIntegrationTest, GivesUpWhenTheFieldRefusesTheFocus) {
     ports.accessibility.focused[editor.processId] = otherField;
     ports.accessibility.canSetFocus = false;
-    paste({{editor, field}});
+    paste(at(editor, field));
     expectGaveUp();
 }
 
 TEST_F(SystemIntegrationTest, GivesUpWhenTheUserSwitchesAwayDuringTheSecondWait) {
     ports.accessibility.focused[editor.processId] = otherField;
-    paste({{editor, field}});
+    paste(at(editor, field));
     clock().advance(200ms);
     ports.workspace.bringForward(browser);
     expectGaveUp();
@@ -227,26 +271,26 @@ TEST_F(SystemIntegrationTest, GivesUpWhenTheUserSwitchesAwayDuringTheSecondWait)
 TEST_F(SystemIntegrationTest, GivesUpWhenAnotherElementHasTheFocusInTheEnd) {
     ports.accessibility.focused[editor.processId] = otherField;
     ports.accessibility.focusTakesEffect = false;
-    paste({{editor, field}});
+    paste(at(editor, field));
     expectGaveUp();
 }
 
 TEST_F(SystemIntegrationTest, GivesUpWhenNoElementHasTheFocusInTheEnd) {
     ports.accessibility.focused.clear();
-    paste({{editor, field}});
+    paste(at(editor, field));
     expectGaveUp();
     EXPECT_EQ(ports.accessibility.elementsSet, QList{field});
 }
 
 TEST_F(SystemIntegrationTest, GivesUpWhenTheUserSwitchesAwayWhileTheFocusIsRead) {
     ports.accessibility.onRead = [this] { ports.workspace.bringForward(browser); };
-    paste({{editor, field}});
+    paste(at(editor, field));
     expectGaveUp();
 }
 
 TEST_F(SystemIntegrationTest, GivesUpWhenTheKeyCannotBePosted) {
     ports.keyboard.canPost = false;
-    paste({{editor, field}});
+    paste(at(editor, field));
     expectGaveUp();
 }
 
@@ -254,7 +298,7 @@ TEST_F(SystemIntegrationTest, CancellationDuringEitherWaitPostsNoKey) {
     for (const auto when : {100ms, 200ms}) {
         ports.accessibility.focused[editor.processId] = otherField;
         pasted.reset();
-        paste({{editor, field}});
+        paste(at(editor, field));
         clock().advance(when);
         task.cancel();
         expectGaveUp();
@@ -262,7 +306,7 @@ TEST_F(SystemIntegrationTest, CancellationDuringEitherWaitPostsNoKey) {
 }
 
 TEST_F(SystemIntegrationTest, CancelledBeforehandItOnlyCopies) {
-    task = Task<>::post(clock(), run({{editor, field}}));
+    task = Task<>::post(clock(), run(at(editor, field)));
     task.cancel();
     clock().runUntilIdle();
     EXPECT_EQ(pasted, false);

@@ -15,7 +15,7 @@ using namespace std::chrono_literals;
 
 constexpr auto readLimit = 200ms;
 constexpr auto writeLimit = 400ms;
-constexpr auto settleLimit = 40ms;
+constexpr auto settleLimit = 100ms;
 
 } // namespace
 
@@ -29,47 +29,50 @@ AtSpiAccessibility::AtSpiAccessibility() {
     bus_.open();
 }
 
-std::optional<AccessibleElement>
-AtSpiAccessibility::focusedElement(const RunningApplication &running) {
+Async<std::optional<AccessibleElement>>
+AtSpiAccessibility::focusedElement(RunningApplication running) {
     if (running.processId == QCoreApplication::applicationPid())
-        return std::nullopt;
+        co_return std::nullopt;
     if (!bus_.isConnected()) {
         bus_.open();
-        return std::nullopt;
+        co_return std::nullopt;
     }
     const QDeadlineTimer deadline(readLimit);
     deliverEvents();
-    const QString bus = busOf(running.processId, deadline);
+    const QString bus = co_await busOf(running.processId, deadline);
     if (bus.isEmpty())
-        return std::nullopt;
+        co_return std::nullopt;
 
     // An application's window becomes active some milliseconds before its element has the focus.
     const QDeadlineTimer settled(settleLimit);
-    Focus focus = askForFocus(bus, deadline);
+    Focus focus = co_await askForFocus(bus, deadline);
     while (focus.isUnsettled && !settled.hasExpired())
-        focus = askForFocus(bus, deadline);
+        focus = co_await askForFocus(bus, deadline);
     if (focus.path.isEmpty())
-        return std::nullopt;
-    return AccessibleElement{bus, focus.path};
+        co_return std::nullopt;
+    co_return AccessibleElement{bus, focus.path};
 }
 
-AtSpiAccessibility::Focus AtSpiAccessibility::askForFocus(const QString &bus,
-                                                          const QDeadlineTimer &deadline) {
+/// The application may leave the bus during each question.
+Async<AtSpiAccessibility::Focus> AtSpiAccessibility::askForFocus(QString bus,
+                                                                 QDeadlineTimer deadline) {
     std::vector<std::pair<QString, AtSpiStates>> candidates;
-    const QStringList paths = applications_[bus].memory.candidates();
+    const QStringList paths = applications_.value(bus).memory.candidates();
     for (const QString &path : paths) {
-        const auto answer = bus_.states({bus, path}, deadline);
-        if (answer.outcome == AtSpiBus::Outcome::silent)
-            return {};
+        const AccessibleElement element{bus, path};
+        const AtSpiBus::StatesAnswer answer = co_await bus_.states(element, deadline);
+        const auto asked = applications_.find(bus);
+        if (answer.outcome == AtSpiBus::Outcome::silent || asked == applications_.end())
+            co_return Focus();
         if (answer.outcome == AtSpiBus::Outcome::gone)
-            applications_[bus].memory.forget(path);
+            asked->memory.forget(path);
         else
             candidates.emplace_back(path, answer.states);
     }
     deliverEvents();
     const auto application = applications_.constFind(bus);
     if (application == applications_.constEnd())
-        return {};
+        co_return Focus();
     // Where no window is active, what an element says of its focus says little.
     if (application->memory.isActive()) {
         std::erase_if(candidates, [](const auto &candidate) {
@@ -77,19 +80,20 @@ AtSpiAccessibility::Focus AtSpiAccessibility::askForFocus(const QString &bus,
         });
     }
     if (candidates.empty())
-        return {QString(), !paths.isEmpty()};
+        co_return Focus{QString(), !paths.isEmpty()};
     const auto text = std::find_if(candidates.begin(), candidates.end(), [](const auto &candidate) {
         return candidate.second.has(AtSpiState::editable);
     });
-    return {text != candidates.end() ? text->first : candidates.front().first};
+    co_return Focus{text != candidates.end() ? text->first : candidates.front().first};
 }
 
-bool AtSpiAccessibility::setFocused(const AccessibleElement &element) {
+Async<bool> AtSpiAccessibility::setFocused(AccessibleElement element) {
     const QDeadlineTimer deadline(writeLimit);
-    const qint64 processId = bus_.processId(element.bus, deadline);
+    const qint64 processId = co_await bus_.processId(element.bus, deadline);
     if (processId == 0 || processId == QCoreApplication::applicationPid())
-        return false;
-    return bus_.grabFocus(element, deadline);
+        co_return false;
+    const bool isFocused = co_await bus_.grabFocus(element, deadline);
+    co_return isFocused;
 }
 
 void AtSpiAccessibility::follow() {
@@ -120,18 +124,24 @@ AtSpiAccessibility::Application &AtSpiAccessibility::applicationOf(const QString
 }
 
 /// The name of a process on the bus, empty if it isn't known. Of several, the one that spoke last.
-QString AtSpiAccessibility::busOf(qint64 processId, const QDeadlineTimer &deadline) {
+Async<QString> AtSpiAccessibility::busOf(qint64 processId, QDeadlineTimer deadline) {
+    const QStringList names = applications_.keys();
+    for (const QString &name : names) {
+        if (applications_.value(name).processId != 0)
+            continue;
+        const qint64 answer = co_await bus_.processId(name, deadline);
+        if (const auto application = applications_.find(name); application != applications_.end())
+            application->processId = answer;
+    }
     QString bus;
     quint64 lastEvent = 0;
-    for (auto it = applications_.begin(); it != applications_.end(); ++it) {
-        if (it->processId == 0)
-            it->processId = bus_.processId(it.key(), deadline);
+    for (auto it = applications_.cbegin(); it != applications_.cend(); ++it) {
         if (it->processId == processId && it->lastEvent >= lastEvent) {
             bus = it.key();
             lastEvent = it->lastEvent;
         }
     }
-    return bus;
+    co_return bus;
 }
 
 /// Takes in the events that came before the last answer did.

@@ -21,8 +21,8 @@ class AtSpiAccessibility final : public QObject, public Accessibility {
 public:
     AtSpiAccessibility();
 
-    std::optional<AccessibleElement> focusedElement(const RunningApplication &application) override;
-    bool setFocused(const AccessibleElement &element) override;
+    Async<std::optional<AccessibleElement>> focusedElement(RunningApplication running) override;
+    Async<bool> setFocused(AccessibleElement element) override;
 
 private:
     struct Application {
@@ -37,9 +37,9 @@ private:
     };
 
     void follow();
-    Focus askForFocus(const QString &bus, const QDeadlineTimer &deadline);
+    Async<Focus> askForFocus(QString bus, QDeadlineTimer deadline);
     Application &applicationOf(const QString &bus);
-    QString busOf(qint64 processId, const QDeadlineTimer &deadline);
+    Async<QString> busOf(qint64 processId, QDeadlineTimer deadline);
     void deliverEvents();
 
     void search(const QString &bus);

@@ -1,10 +1,15 @@
 #include "Platform/Linux/AtSpiBus.h"
 
+#include "Platform/Linux/PendingAnswer.h"
+
+#include <QCoreApplication>
 #include <QDBusArgument>
 #include <QDBusError>
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
+#include <QPointer>
+#include <QThreadPool>
 
 #include <algorithm>
 #include <chrono>
@@ -105,17 +110,34 @@ void AtSpiBus::open() {
     auto *const watcher = new QDBusPendingCallWatcher(pending, this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
         watcher->deleteLater();
-        isOpening_ = false;
         const QDBusMessage answer = watcher->reply();
         if (answer.type() == QDBusMessage::ReplyMessage && answer.signature() == u"s")
             connectTo(answer.arguments().constFirst().toString());
+        else
+            isOpening_ = false;
     });
 }
 
+/// The bus has to answer before the connection is there: no wait for the main thread.
 void AtSpiBus::connectTo(const QString &address) {
     static quint64 number = 0;
     const auto name = QStringLiteral("accessibility-%1").arg(++number);
-    connection_ = QDBusConnection::connectToBus(address, name);
+    const auto made = [self = QPointer(this), name] {
+        if (self)
+            self->follow(name);
+        else
+            QDBusConnection::disconnectFromBus(name);
+    };
+    QThreadPool::globalInstance()->start([address, name, made] {
+        QDBusConnection::connectToBus(address, name);
+        if (qApp)
+            QMetaObject::invokeMethod(qApp, made, Qt::QueuedConnection);
+    });
+}
+
+void AtSpiBus::follow(const QString &connection) {
+    isOpening_ = false;
+    connection_ = QDBusConnection(connection);
     if (!connection_->isConnected()) {
         close();
         return;
@@ -165,10 +187,12 @@ void AtSpiBus::subscribe(const QString &event, const QString &interface, const Q
     connection_->asyncCall(call);
 }
 
-QDBusMessage AtSpiBus::ask(const QDBusMessage &question, const QDeadlineTimer &deadline) {
+Async<QDBusMessage> AtSpiBus::ask(QDBusMessage question, QDeadlineTimer deadline) {
     if (!isConnected())
-        return QDBusMessage::createError(QDBusError::Disconnected, QString());
-    return connection_->call(question, QDBus::Block, milliseconds(deadline));
+        co_return QDBusMessage::createError(QDBusError::Disconnected, QString());
+    const QDBusPendingCall call = connection_->asyncCall(question, milliseconds(deadline));
+    const QDBusMessage answer = co_await answerTo(call, this);
+    co_return answer;
 }
 
 void AtSpiBus::ask(const QDBusMessage &question,
@@ -185,33 +209,34 @@ void AtSpiBus::ask(const QDBusMessage &question,
             });
 }
 
-qint64 AtSpiBus::processId(const QString &name, const QDeadlineTimer &deadline) {
+Async<qint64> AtSpiBus::processId(QString name, QDeadlineTimer deadline) {
     auto call = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetConnectionUnixProcessID"));
     call << name;
-    const QDBusMessage answer = ask(call, deadline);
+    const QDBusMessage answer = co_await ask(call, deadline);
     if (answer.type() != QDBusMessage::ReplyMessage || answer.signature() != u"u")
-        return 0;
-    return answer.arguments().constFirst().toUInt();
+        co_return 0;
+    co_return answer.arguments().constFirst().toUInt();
 }
 
-AtSpiBus::StatesAnswer AtSpiBus::states(const AccessibleElement &element,
-                                        const QDeadlineTimer &deadline) {
-    const QDBusMessage answer = ask(statesQuestion(element), deadline);
+Async<AtSpiBus::StatesAnswer> AtSpiBus::states(AccessibleElement element, QDeadlineTimer deadline) {
+    const QDBusMessage asked = statesQuestion(element);
+    const QDBusMessage answer = co_await ask(asked, deadline);
     const auto states = statesIn(answer);
     if (!states)
-        return {isSilence(answer) ? Outcome::silent : Outcome::gone, {}};
+        co_return StatesAnswer{isSilence(answer) ? Outcome::silent : Outcome::gone, {}};
     if (states->has(AtSpiState::defunct) || states->has(AtSpiState::stale))
-        return {Outcome::gone, {}};
-    return {Outcome::answered, *states};
+        co_return StatesAnswer{Outcome::gone, {}};
+    co_return StatesAnswer{Outcome::answered, *states};
 }
 
-bool AtSpiBus::grabFocus(const AccessibleElement &element, const QDeadlineTimer &deadline) {
-    const QDBusMessage answer =
-        ask(question(element, QStringLiteral("Component"), QStringLiteral("GrabFocus")), deadline);
-    return answer.type() == QDBusMessage::ReplyMessage && answer.signature() == u"b" &&
-           answer.arguments().constFirst().toBool();
+Async<bool> AtSpiBus::grabFocus(AccessibleElement element, QDeadlineTimer deadline) {
+    const QDBusMessage asked =
+        question(element, QStringLiteral("Component"), QStringLiteral("GrabFocus"));
+    const QDBusMessage answer = co_await ask(asked, deadline);
+    co_return answer.type() == QDBusMessage::ReplyMessage &&answer.signature() == u"b" &&
+        answer.arguments().constFirst().toBool();
 }
 
 void AtSpiBus::askForStates(const AccessibleElement &element,

@@ -53,11 +53,11 @@ public:
 
     /// The process of a name on the bus, 0 if there is none. Asks the bus only, not the
     /// application.
-    qint64 processId(const QString &name, const QDeadlineTimer &deadline);
-    StatesAnswer states(const AccessibleElement &element, const QDeadlineTimer &deadline);
-    bool grabFocus(const AccessibleElement &element, const QDeadlineTimer &deadline);
+    Async<qint64> processId(QString name, QDeadlineTimer deadline);
+    Async<StatesAnswer> states(AccessibleElement element, QDeadlineTimer deadline);
+    Async<bool> grabFocus(AccessibleElement element, QDeadlineTimer deadline);
 
-    /// The same without a wait; nothing is called if there is no answer.
+    /// The same for whoever goes on meanwhile; nothing is called if there is no answer.
     void askForStates(const AccessibleElement &element, std::function<void(AtSpiStates)> answered);
     void askForChildren(const AccessibleElement &element,
                         std::function<void(const QList<AccessibleElement> &)> answered);
@@ -81,9 +81,10 @@ Q_SIGNALS:
     void left(const QString &name);
 
 private:
-    QDBusMessage ask(const QDBusMessage &question, const QDeadlineTimer &deadline);
+    Async<QDBusMessage> ask(QDBusMessage question, QDeadlineTimer deadline);
     void ask(const QDBusMessage &question, std::function<void(const QDBusMessage &)> answered);
     void connectTo(const QString &address);
+    void follow(const QString &connection);
     void close();
     Q_SLOT void handleDisconnection();
     Q_SLOT void handleChildrenChange(const QDBusMessage &event);

@@ -116,7 +116,7 @@ Async<PermissionStore::Entry> PermissionStore::write(QString table, QString id, 
     const QVariantList arguments{table, mayCreate, id, applicationId,
                                  QStringList(isAllowed ? yes : no)};
     const QDBusPendingCall question = call(QStringLiteral("SetPermission"), arguments);
-    const QDBusMessage reply = co_await answerTo(question);
+    const QDBusMessage reply = co_await answerTo(question, this);
     if (reply.type() != QDBusMessage::ReplyMessage)
         co_return entryOf(reply);
     const Entry entry = isAllowed ? Entry::yes : Entry::no;

@@ -4,6 +4,7 @@
 #include "Platform/Linux/AtSpiAccessibility.h"
 #include "Platform/Linux/KeyboardMap.h"
 #include "Platform/Linux/XcbHotKey.h"
+#include "Platform/X11/Awaiting.h"
 #include "Platform/X11/Editor.h"
 #include "Platform/X11/VirtualDesktop.h"
 #include "Platform/X11/X11Client.h"
@@ -25,8 +26,8 @@ using namespace std::chrono_literals;
 
 std::optional<AccessibleElement> awaitElement(Accessibility &accessibility,
                                               const RunningApplication &application) {
-    waitUntil([&] { return accessibility.focusedElement(application).has_value(); }, 10s);
-    return accessibility.focusedElement(application);
+    waitUntil([&] { return await(accessibility.focusedElement(application)).has_value(); }, 10s);
+    return await(accessibility.focusedElement(application));
 }
 
 /// The same promises for the fake and for real editors.
@@ -67,21 +68,22 @@ TYPED_TEST(AccessibilityContract, TellsTheFocusedElementAndGivesTheFocusBack) {
     const auto application = this->bench.application();
     const auto text = awaitElement(accessibility, application);
     ASSERT_TRUE(text);
-    EXPECT_EQ(accessibility.focusedElement(application), text);
+    EXPECT_EQ(await(accessibility.focusedElement(application)), text);
 
     this->bench.goToOtherField();
     EXPECT_TRUE(waitUntil([&] {
-        const auto element = accessibility.focusedElement(application);
+        const auto element = await(accessibility.focusedElement(application));
         return element && element != text;
     }));
 
-    EXPECT_TRUE(accessibility.setFocused(*text));
-    EXPECT_TRUE(waitUntil([&] { return accessibility.focusedElement(application) == text; }, 1s));
+    EXPECT_TRUE(await(accessibility.setFocused(*text)));
+    EXPECT_TRUE(
+        waitUntil([&] { return await(accessibility.focusedElement(application)) == text; }, 1s));
 }
 
 TYPED_TEST(AccessibilityContract, KnowsNoElementOfAnotherApplication) {
     ASSERT_TRUE(awaitElement(this->bench.accessibility, this->bench.application()));
-    EXPECT_FALSE(this->bench.accessibility.focusedElement({1, 0, 0}));
+    EXPECT_FALSE(await(this->bench.accessibility.focusedElement({1, 0, 0})));
 }
 
 /// With an editor of GTK and one of Qt.
@@ -98,23 +100,25 @@ TEST_P(AtSpiAccessibilityTest, KnowsTheElementWhileTheShortcutIsHeldDown) {
 
     XcbHotKey hotKey;
     X11Client user;
-    std::vector<std::optional<AccessibleElement>> atPress;
-    ASSERT_EQ(hotKey.registerHotKey({1, 1},
-                                    [&](const HotKeyEvent &event) {
-                                        if (event.isPressed)
-                                            atPress.push_back(
-                                                accessibility.focusedElement(editor.application()));
-                                    }),
-              0);
+    std::vector<Task<std::optional<AccessibleElement>>> atPress;
+    ASSERT_EQ(
+        hotKey.registerHotKey({1, 1},
+                              [&](const HotKeyEvent &event) {
+                                  if (event.isPressed)
+                                      atPress.push_back(Task<std::optional<AccessibleElement>>::run(
+                                          accessibility.focusedElement(editor.application())));
+                              }),
+        0);
     for (unsigned int i = 1; i <= 10; ++i) {
         user.press(KeySymbol::controlLeft);
         user.press(KeySymbol::altLeft);
         user.press(KeySymbol::space);
-        EXPECT_TRUE(waitUntil([&] { return atPress.size() >= i; }));
-        EXPECT_EQ(atPress.back(), text);
+        ASSERT_TRUE(waitUntil([&] { return atPress.size() >= i && atPress.back().isDone(); }));
+        EXPECT_EQ(atPress.back().operator co_await().await_resume(), text);
         // By now the editor believes that it has lost the focus.
         EXPECT_FALSE(waitUntil(
-            [&] { return accessibility.focusedElement(editor.application()) != text; }, 100ms));
+            [&] { return await(accessibility.focusedElement(editor.application())) != text; },
+            100ms));
         user.release(KeySymbol::space);
         user.release(KeySymbol::altLeft);
         user.release(KeySymbol::controlLeft);
@@ -139,7 +143,7 @@ TEST_P(AtSpiAccessibilityTest, KnowsTheElementOfAnApplicationInTheBackground) {
     X11Client user;
     ASSERT_TRUE(user.bringForward(user.showWindow(0)));
     EXPECT_FALSE(waitUntil(
-        [&] { return accessibility.focusedElement(editor.application()) != text; }, 300ms));
+        [&] { return await(accessibility.focusedElement(editor.application())) != text; }, 300ms));
 }
 
 TEST_P(AtSpiAccessibilityTest, AnApplicationThatHangsHoldsNobodyUp) {
@@ -150,13 +154,19 @@ TEST_P(AtSpiAccessibilityTest, AnApplicationThatHangsHoldsNobodyUp) {
     ::kill(editor.processId(), SIGSTOP);
     QElapsedTimer timer;
     timer.start();
-    EXPECT_FALSE(accessibility.focusedElement(editor.application()));
-    EXPECT_LT(timer.restart(), 300);
-    EXPECT_FALSE(accessibility.setFocused(*text));
+    const auto reading = Task<std::optional<AccessibleElement>>::run(
+        accessibility.focusedElement(editor.application()));
+    const auto writing = Task<bool>::run(accessibility.setFocused(*text));
+    EXPECT_LT(timer.elapsed(), 50) << "the calls themselves wait";
+    ASSERT_TRUE(waitUntil([&] { return reading.isDone(); }));
+    EXPECT_FALSE(reading.operator co_await().await_resume());
+    EXPECT_LT(timer.elapsed(), 300);
+    ASSERT_TRUE(waitUntil([&] { return writing.isDone(); }));
+    EXPECT_FALSE(writing.operator co_await().await_resume());
     EXPECT_LT(timer.elapsed(), 500);
     ::kill(editor.processId(), SIGCONT);
-    EXPECT_TRUE(
-        waitUntil([&] { return accessibility.focusedElement(editor.application()) == text; }));
+    EXPECT_TRUE(waitUntil(
+        [&] { return await(accessibility.focusedElement(editor.application())) == text; }));
 }
 
 TEST_P(AtSpiAccessibilityTest, ForgetsAnApplicationThatHasEnded) {
@@ -165,15 +175,15 @@ TEST_P(AtSpiAccessibilityTest, ForgetsAnApplicationThatHasEnded) {
     const auto text = awaitElement(accessibility, editor.application());
     ASSERT_TRUE(text);
     editor.end();
-    EXPECT_FALSE(accessibility.focusedElement(editor.application()));
-    EXPECT_FALSE(accessibility.setFocused(*text));
+    EXPECT_FALSE(await(accessibility.focusedElement(editor.application())));
+    EXPECT_FALSE(await(accessibility.setFocused(*text)));
 }
 
 TEST(AtSpiAccessibilityAlone, DoesNotWaitForThisProcess) {
     AtSpiAccessibility accessibility;
     QElapsedTimer timer;
     timer.start();
-    EXPECT_FALSE(accessibility.focusedElement({::getpid(), 0, 0}));
+    EXPECT_FALSE(await(accessibility.focusedElement({::getpid(), 0, 0})));
     EXPECT_LT(timer.elapsed(), 20);
 }
 
@@ -184,12 +194,14 @@ TEST(AtSpiAccessibilityAlone, FindsTheBusAgainWhenItWasStartedAnew) {
         ASSERT_TRUE(awaitElement(accessibility, editor.application()));
         VirtualDesktop::current().endAccessibilityBus();
         // The bus itself goes a moment after what launched it.
-        ASSERT_TRUE(waitUntil(
-            [&] { return !accessibility.focusedElement(editor.application()).has_value(); }));
+        ASSERT_TRUE(waitUntil([&] {
+            return !await(accessibility.focusedElement(editor.application())).has_value();
+        }));
         QElapsedTimer timer;
         timer.start();
-        EXPECT_FALSE(accessibility.focusedElement(editor.application()));
-        EXPECT_FALSE(accessibility.setFocused({QStringLiteral(":1.1"), QStringLiteral("/text")}));
+        EXPECT_FALSE(await(accessibility.focusedElement(editor.application())));
+        EXPECT_FALSE(
+            await(accessibility.setFocused({QStringLiteral(":1.1"), QStringLiteral("/text")})));
         EXPECT_LT(timer.elapsed(), 100);
     }
     VirtualDesktop::current().startAccessibilityBus();

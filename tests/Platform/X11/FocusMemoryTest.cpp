@@ -1,5 +1,6 @@
 #include "Platform/Linux/FocusMemory.h"
 
+#include "Awaiting.h"
 #include "Platform/Linux/AtSpiAccessibility.h"
 
 #include <QCoreApplication>
@@ -102,8 +103,8 @@ TEST(AccessibilityWithoutABus, HasNoElementsAndDoesNotWait) {
     timer.start();
     AtSpiAccessibility accessibility;
     QCoreApplication::processEvents();
-    EXPECT_FALSE(accessibility.focusedElement({1, 0, 0}));
-    EXPECT_FALSE(accessibility.setFocused({QStringLiteral(":1.1"), text}));
+    EXPECT_FALSE(await(accessibility.focusedElement({1, 0, 0})));
+    EXPECT_FALSE(await(accessibility.setFocused({QStringLiteral(":1.1"), text})));
     EXPECT_LT(timer.elapsed(), 200);
 }
 
