@@ -2,7 +2,7 @@ import signal
 import time
 
 from lorvane_desktop import editors, keys, microphone, voices, wer
-from lorvane_desktop.lorvane import LISTENING, PASTED
+from lorvane_desktop.lorvane import FINISH, LISTENING, PASTED
 from lorvane_desktop.session import run
 from lorvane_desktop.testcase import PAUSE, DesktopTest
 from lorvane_desktop.waiting import until
@@ -30,7 +30,7 @@ class Devices(DesktopTest):
             time.sleep(PAUSE)
             take_away()
             self.lorvane.wait_for(ENDED)
-        until(self.lorvane.history, 20, "the record")
+        until(self.lorvane.history, FINISH, "the record")
         until(lambda: not self.lorvane.message(), 5, "the end of the dictation")
         text = self.only_record()
         self.assertLessEqual(wer.errors(wer.words(voice.text), wer.words(text)), 1, text)
@@ -59,7 +59,7 @@ class Devices(DesktopTest):
             microphone.say(self.session, voice).wait()
             time.sleep(PAUSE)
             change()
-        self.lorvane.wait_for(PASTED, seconds=20)
+        self.lorvane.wait_for(PASTED, seconds=FINISH)
         text = self.only_record()
         self.assert_arrives(editor, text)
         self.assertLessEqual(wer.errors(wer.words(voice.text), wer.words(text)), 1, text)

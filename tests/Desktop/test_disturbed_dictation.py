@@ -1,5 +1,5 @@
 from lorvane_desktop import editors, trials, voices
-from lorvane_desktop.lorvane import PASTED
+from lorvane_desktop.lorvane import FINISH, PASTED
 from lorvane_desktop.testcase import DesktopTest
 from lorvane_desktop.waiting import until
 
@@ -19,7 +19,7 @@ class DisturbedDictation(DesktopTest):
         def dictate(meanwhile, outcome):
             target.focus()
             self.hold_and_say(voice, while_speaking=meanwhile)
-            self.lorvane.wait_for(outcome, seconds=20)
+            self.lorvane.wait_for(outcome, seconds=FINISH)
             text = self.lorvane.history()[0]["text"]
             until(lambda: editors.clipboard() == text, 5, "the text on the clipboard")
             return text

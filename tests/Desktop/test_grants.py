@@ -1,7 +1,7 @@
 import unittest
 
 from lorvane_desktop import accessibility, keys
-from lorvane_desktop.lorvane import APPLICATION_ID, LISTENING, Lorvane, overlay_is_shown
+from lorvane_desktop.lorvane import APPLICATION_ID, FINISH, LISTENING, Lorvane, overlay_is_shown
 from lorvane_desktop.session import Session, run
 from lorvane_desktop.waiting import until
 
@@ -59,7 +59,7 @@ class Grants(unittest.TestCase):
         self.wait_for("Set up later").press()
         with keys.held_shortcut():
             self.lorvane.wait_for(LISTENING)
-        until(lambda: not overlay_is_shown(), 20, "the end of the dictation")
+        until(lambda: not overlay_is_shown(), FINISH, "the end of the dictation")
         self.set(MICROPHONE, "no")
         self.hold_in_vain(MICROPHONE_PAGE)
 

@@ -1,7 +1,7 @@
 import stat
 
 from lorvane_desktop import editors, voices, wer
-from lorvane_desktop.lorvane import PASTED, TRANSCRIBING
+from lorvane_desktop.lorvane import FINISH, PASTED, TRANSCRIBING
 from lorvane_desktop.testcase import DesktopTest
 
 PROMPT = "agent-user"
@@ -24,7 +24,7 @@ class HoldToTalk(DesktopTest):
         voice = voices.prompts(self.session, PROMPT)
         self.hold_and_say(voice, while_speaking=self.check_the_recording)
         self.lorvane.wait_for(TRANSCRIBING)
-        self.lorvane.wait_for(PASTED, seconds=20)
+        self.lorvane.wait_for(PASTED, seconds=FINISH)
         text = self.only_record()
         self.assert_arrives(editor, text)
         self.assertEqual(editors.clipboard(), text)

@@ -3,7 +3,7 @@ import signal
 import subprocess
 
 from lorvane_desktop import accessibility, editors, keys, voices
-from lorvane_desktop.lorvane import CANCELLED, LISTENING, NO_SPEECH, Lorvane
+from lorvane_desktop.lorvane import CANCELLED, FINISH, LISTENING, NO_SPEECH, Lorvane
 from lorvane_desktop.session import BINARY, run
 from lorvane_desktop.testcase import DesktopTest
 from lorvane_desktop.tray import Panel
@@ -72,7 +72,7 @@ class Lifecycle(DesktopTest):
         editor = editors.mousepad(self.session)
         voice = voices.prompts(self.session, "agent-user")
         self.hold_and_say(voice, listening=lambda: "Finish Dictation" in item.menu())
-        until(self.lorvane.history, 20, "the record")
+        until(self.lorvane.history, FINISH, "the record")
         self.assert_arrives(editor, self.only_record())
         self.assertEqual(self.windows(), [])
 
@@ -91,7 +91,7 @@ class Lifecycle(DesktopTest):
             until(lambda: focused.name() == label, 5, f"the entry “{label}” to a screen reader")
             run("xdotool", "key", "Return")
             # Whoever is this quick waits for the model to be loaded.
-            self.lorvane.wait_for(message, seconds=60)
+            self.lorvane.wait_for(message, seconds=FINISH)
 
     def test_a_second_start_brings_the_first_forward(self):
         editors.mousepad(self.session)
@@ -123,7 +123,7 @@ class Lifecycle(DesktopTest):
             self.lorvane.wait_for(LISTENING)
             end()
             # A model that is being loaded is loaded to its end first, by then all is saved.
-            self.assertEqual(self.lorvane.process.wait(60), 0)
+            self.assertEqual(self.lorvane.process.wait(FINISH), 0)
             recordings = self.lorvane.recordings()
             self.assertEqual(len(recordings), count)
             for recording in recordings:
@@ -142,4 +142,4 @@ class FirstStart(DesktopTest):
         self.lorvane.process.send_signal(signal.SIGTERM)
         until((self.lorvane.folder / "library.json").exists, 10, "the library, saved at the end")
         # A model that is being loaded is loaded to its end first.
-        self.assertEqual(self.lorvane.process.wait(60), 0)
+        self.assertEqual(self.lorvane.process.wait(FINISH), 0)

@@ -1,5 +1,5 @@
 from lorvane_desktop import editors, voices, wer
-from lorvane_desktop.lorvane import PASTED
+from lorvane_desktop.lorvane import FINISH, PASTED
 from lorvane_desktop.testcase import DesktopTest
 
 
@@ -14,7 +14,7 @@ class Loudness(DesktopTest):
         editor = editors.mousepad(self.session)
         voice = voices.prompts(self.session, "agent-alreadyon", gain=gain)
         self.hold_and_say(voice)
-        self.lorvane.wait_for(PASTED, seconds=20)
+        self.lorvane.wait_for(PASTED, seconds=FINISH)
         text = self.only_record()
         self.assert_arrives(editor, text)
         self.assertLessEqual(wer.errors(wer.words(voice.text), wer.words(text)), 2, text)

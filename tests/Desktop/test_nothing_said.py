@@ -1,7 +1,7 @@
 import signal
 
 from lorvane_desktop import editors, keys, voices
-from lorvane_desktop.lorvane import NO_SPEECH, RELEASED_EARLY, overlay_is_shown
+from lorvane_desktop.lorvane import FINISH, NO_SPEECH, RELEASED_EARLY, overlay_is_shown
 from lorvane_desktop.testcase import DesktopTest
 from lorvane_desktop.waiting import until
 
@@ -12,7 +12,7 @@ class NothingSaid(DesktopTest):
     def test_a_noise_is_no_speech(self):
         editor = editors.mousepad(self.session)
         self.hold_and_say(voices.noise(self.session, 5))
-        self.lorvane.wait_for(NO_SPEECH, seconds=20)
+        self.lorvane.wait_for(NO_SPEECH, seconds=FINISH)
         self.check_nothing_is_left(editor)
 
     def test_a_tap_is_released_before_the_microphone_is_ready(self):

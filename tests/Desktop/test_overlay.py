@@ -25,7 +25,7 @@ class Overlay(DesktopTest):
         self.lorvane.wait_for(lorvane.TRANSCRIBING)
         self.session.screenshot("3-transcribing")
         self.check_focus(before, editor)
-        self.lorvane.wait_for(lorvane.PASTED, seconds=20)
+        self.lorvane.wait_for(lorvane.PASTED, seconds=lorvane.FINISH)
         until(lambda: not lorvane.overlay_is_shown(), 5, "the end of the overlay")
         self.check_focus(before, editor)
 

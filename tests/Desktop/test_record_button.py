@@ -1,7 +1,7 @@
 import time
 
 from lorvane_desktop import editors, microphone, voices, wer
-from lorvane_desktop.lorvane import CANCELLED, COPIED, LISTENING
+from lorvane_desktop.lorvane import CANCELLED, COPIED, FINISH, LISTENING
 from lorvane_desktop.testcase import PAUSE, DesktopTest
 
 
@@ -16,7 +16,7 @@ class RecordButton(DesktopTest):
         microphone.say(self.session, voice).wait()
         time.sleep(PAUSE)
         self.lorvane.press("Finish dictation")
-        self.lorvane.wait_for(COPIED, seconds=20)
+        self.lorvane.wait_for(COPIED, seconds=FINISH)
         text = self.only_record()
         self.assertLessEqual(wer.errors(wer.words(voice.text), wer.words(text)), 1, text)
         self.assertEqual(editors.clipboard(), text)

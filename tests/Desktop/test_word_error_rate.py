@@ -1,5 +1,5 @@
 from lorvane_desktop import editors, voices, wer
-from lorvane_desktop.lorvane import PASTED
+from lorvane_desktop.lorvane import FINISH, PASTED
 from lorvane_desktop.testcase import DesktopTest
 
 LIMIT = 0.10
@@ -15,7 +15,7 @@ class WordErrorRate(DesktopTest):
         for number, prompt in enumerate(prompts, 1):
             voice = voices.prompts(self.session, prompt)
             self.hold_and_say(voice)
-            self.lorvane.wait_for(PASTED, seconds=20)
+            self.lorvane.wait_for(PASTED, seconds=FINISH)
             history = self.lorvane.history()
             self.assertEqual(len(history), number)
             spoken, heard = wer.words(voice.text), wer.words(history[0]["text"])

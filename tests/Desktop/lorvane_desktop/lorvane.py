@@ -24,6 +24,11 @@ RELEASED_EARLY = ("Released before the microphone was ready. After granting perm
                   "⌃⌥Space again.")
 
 
+# The most seconds for the end of a dictation. The first one loads the model, too: some seconds of
+# computing, for which a busy machine has a small part of a core.
+FINISH = 60
+
+
 class Lorvane:
     """Starts the program and waits until its window is usable. `answers` are the user's to the
     questions for the microphone and for speech; at first both grants are given."""
