@@ -58,7 +58,8 @@ class Lifecycle(DesktopTest):
         self.lorvane.wait_for(LISTENING)
         item.choose("Finish Dictation")
         menus = []
-        until(lambda: menus.append(item.menu()) or menus[-1] == IDLE, 10, "the entries at rest")
+        until(lambda: menus.append(item.menu()) or menus[-1] == IDLE, FINISH,
+              "the entries at rest")
         self.assertEqual([menu for menu in menus if menu not in (RECORDING, BUSY, IDLE)], [])
 
     def test_the_window_closes_and_opens_again_and_nothing_ends(self):

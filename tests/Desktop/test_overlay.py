@@ -16,7 +16,8 @@ class Overlay(DesktopTest):
             self.check_focus(before, editor)
             self.lorvane.wait_for(lorvane.LISTENING)
             speech = microphone.say(self.session, voice)
-            until(lambda: len(self.lorvane.transcript().split()) > 3, 10, "live text")
+            until(lambda: len(self.lorvane.transcript().split()) > 3, lorvane.FINISH,
+                  "live text")
             self.session.screenshot("2-recording")
             self.assertTrue(lorvane.overlay_is_shown())
             self.check_focus(before, editor)

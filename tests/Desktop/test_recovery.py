@@ -1,7 +1,7 @@
 import os
 
 from lorvane_desktop import editors, keys, microphone, program, voices
-from lorvane_desktop.lorvane import LISTENING, TRANSCRIBING, Lorvane
+from lorvane_desktop.lorvane import FINISH, LISTENING, TRANSCRIBING, Lorvane
 from lorvane_desktop.session import run
 from lorvane_desktop.testcase import DesktopTest
 from lorvane_desktop.waiting import until
@@ -14,7 +14,7 @@ class Recovery(DesktopTest):
     """A text that can't be trusted is pasted nowhere, and the audio stays."""
 
     def check_the_audio_is_kept(self, editor):
-        until(lambda: not self.lorvane.message(), 60, "the end of the dictation")
+        until(lambda: not self.lorvane.message(), FINISH, "the end of the dictation")
         recording, = self.lorvane.recordings()
         self.assertEqual([file.name for file in recording.iterdir()], ["recording.caf"])
         self.assertEqual(editor.text(), "")
@@ -50,7 +50,7 @@ class LostSpeech(Recovery):
         with keys.held_shortcut():
             self.lorvane.wait_for(LISTENING)
             microphone.say(self.session, voice).wait()
-            until(lambda: len(self.lorvane.transcript().split()) >= 12, 20, "live text")
+            until(lambda: len(self.lorvane.transcript().split()) >= 12, FINISH, "live text")
             recording, = self.lorvane.recordings()
             # What was said becomes a hole in the file, which reads as silence.
             os.truncate(recording / "recording.caf", HEADER)

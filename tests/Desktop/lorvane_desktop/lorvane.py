@@ -24,8 +24,8 @@ RELEASED_EARLY = ("Released before the microphone was ready. After granting perm
                   "⌃⌥Space again.")
 
 
-# The most seconds for the end of a dictation. The first one loads the model, too: some seconds of
-# computing, for which a busy machine has a small part of a core.
+# The most seconds for the first text of a dictation and for its end. The first one loads the model,
+# too: some seconds of computing, for which a busy machine has a small part of a core.
 FINISH = 60
 
 
