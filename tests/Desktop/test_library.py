@@ -41,6 +41,7 @@ class LibraryOnTheDesktop(DesktopTest):
         run("xdotool", "type", "--delay", "5", str(target))
         run("xdotool", "key", "Return")
         self.lorvane.wait_for("History exported.")
+        self.assertEqual(target.stat().st_mode & 0o777, 0o600)
         blocks = target.read_text(encoding="utf-8").split("\n\n---\n\n")
         self.assertEqual([block.split("\n", 1)[1] for block in blocks],
                          [text for text, _ in RECORDS])
