@@ -25,10 +25,7 @@ Loader {
         transientParent: confirmation.host.Window.window
         width: 400
         contentHeight: column.implicitHeight + 2 * column.anchors.margins
-        visible: true
         onClosing: confirmation.isPresented = false
-
-        Component.onCompleted: requestActivate()
 
         FocusScope {
             anchors.fill: parent

@@ -4,8 +4,6 @@ import Lorvane
 
 // A window for a question or a form: of one width, and as high as what is in it.
 Window {
-    id: dialog
-
     // Of all that is in it, with the margins.
     required property real contentHeight
 
@@ -25,5 +23,11 @@ Window {
     }
 
     onContentHeightChanged: fit()
-    Component.onCompleted: fit()
+
+    // Not before it has its limits: a desktop may settle by them how it frames the window.
+    Component.onCompleted: {
+        fit();
+        show();
+        requestActivate();
+    }
 }

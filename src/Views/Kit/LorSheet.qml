@@ -19,10 +19,7 @@ LorDialog {
     modality: Qt.WindowModal
     transientParent: host.Window.window
     contentHeight: column.implicitHeight + 2 * column.anchors.margins
-    visible: true
     onClosing: cancel()
-
-    Component.onCompleted: requestActivate()
 
     function pressDefault() {
         if (defaultButton.enabled)
