@@ -34,7 +34,7 @@ Decoding decodeGreedily(Hearing &hearing, bool withLogProbabilities, const std::
     Decoding decoding;
     decoding.firstFrameTime = hearing.firstFrameTime;
     const std::vector<std::size_t> parents{0};
-    DecoderStep step = hearing.decoder.begin(stop);
+    DecoderStep step = hearing.decoder->begin(stop);
     while (true) {
         const std::span<const float> scores = step.scoresOf(0);
         auto best = std::max_element(scores.begin(), scores.end());
@@ -63,7 +63,7 @@ Decoding decodeGreedily(Hearing &hearing, bool withLogProbabilities, const std::
             decoding.isBroken = true;
             break;
         }
-        step = hearing.decoder.feed({&token, 1}, parents, stop);
+        step = hearing.decoder->feed({&token, 1}, parents, stop);
     }
     return decoding;
 }

@@ -13,17 +13,19 @@ namespace lorvane {
 namespace {
 
 /// By how much of the logarithm of its probability a text may fall behind for each token of a
-/// phrase, by how much the phrase sounds like what it replaces. These are measured: see
+/// phrase, by how much the phrase sounds like what it replaces. A name, by its capitals, may cost
+/// more: a word by itself is known to the model, which would have heard it. These are measured: see
 /// docs/recogniser.md.
-double allowance(double likeness) { return std::clamp(4 * likeness - 0.75, 0.4, 2.3); }
+double allowance(double likeness, bool isName) {
+    if (isName)
+        return std::clamp(5 * likeness - 1, 0.4, 2.9);
+    return likeness >= 0.9 ? 2.25 : std::clamp(4 * likeness - 1.2, 0.4, 1.5);
+}
 
 /// For another form of the phrase, as "participants" for "participant": what was heard is a word.
 constexpr double formAllowance = 0.6;
 /// For what was heard as one word that is so common that it is a token: the share of the above.
 constexpr double commonShare = 0.6;
-/// For a phrase that is a name, by its capitals: the model would have heard a word by itself.
-constexpr double nameShare = 1.25;
-constexpr double nameLikeness = 0.6; ///< from here on
 
 /// A search has to be more generous than the judgement on what it finds: a phrase may look bad
 /// until it is whole. With more than this it would say a phrase over and over.
@@ -127,7 +129,7 @@ bool isForm(const QString &text, const QString &other) {
 /// cost for each token in its place.
 struct Replaced {
     double likeness = 0;
-    double allowed = allowance(0);
+    double allowed = allowance(0, false);
     std::size_t last = 0; ///< where the run ends
 };
 Replaced replacedBy(const Phrase &phrase, std::span<const Word> words) {
@@ -145,8 +147,7 @@ Replaced replacedBy(const Phrase &phrase, std::span<const Word> words) {
             best = {alike,
                     isForm(phrase.text, text)
                         ? formAllowance
-                        : allowance(alike) * (isCommon ? commonShare : 1) *
-                              (phrase.isName && alike >= nameLikeness ? nameShare : 1),
+                        : allowance(alike, phrase.isName) * (isCommon ? commonShare : 1),
                     alike >= leastLikeness ? j + 1 : 0};
         }
     }
@@ -269,7 +270,7 @@ Decoding decodeWithPhrases(Hearing &hearing, const QStringList &phrases, const T
         if (trie.isEmpty())
             break;
         std::optional<Decoding> found =
-            searchBeam(hearing.decoder, hearing.mostTokens, trie, tokens, stop);
+            searchBeam(*hearing.decoder, hearing.mostTokens, trie, tokens, stop);
         if (!found)
             break;
         const Judgement judgement = judge(*found, plain, plainWords, listened, trie, tokens);

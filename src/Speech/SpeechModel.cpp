@@ -31,7 +31,7 @@ Hearing SpeechModel::hear(std::span<const float> samples, const std::stop_token 
     std::vector<Ort::Value> outputs =
         run(encoder_, {"input_values"}, inputs, {"last_hidden_state"}, stop);
     const double seconds = static_cast<double>(padded.size()) / sampleRate;
-    return {Decoder(decoder_, std::move(outputs.front())),
+    return {std::make_unique<Decoder>(decoder_, std::move(outputs.front())),
             std::max(leastTokens, static_cast<std::size_t>(seconds * tokensPerSecond)),
             -static_cast<double>(samplesBefore) / sampleRate - alignmentOffset_};
 }

@@ -3,13 +3,14 @@
 #include "Speech/Decoder.h"
 #include "Speech/ModelFolder.h"
 
+#include <memory>
 #include <span>
 
 namespace lorvane {
 
 /// A stretch of voice as a model has encoded it, to be written down in one way or another.
 struct Hearing {
-    Decoder decoder;
+    std::unique_ptr<DecoderSteps> decoder;
     std::size_t mostTokens = 0; ///< that anybody can say in its time
     double firstFrameTime = 0;  ///< where frame 0 stands in the samples, in seconds
 };

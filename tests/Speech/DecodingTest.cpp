@@ -1,0 +1,86 @@
+#include "Speech/Decoding.h"
+
+#include "Speech/KnownSentences.h"
+#include "Speech/PhraseBias.h"
+
+#include <gtest/gtest.h>
+
+namespace lorvane {
+namespace {
+
+Hearing hearing(const std::map<QString, double> &sentences, std::size_t mostTokens = 50) {
+    return {std::make_unique<KnownSentences>(sentences), mostTokens, 0};
+}
+
+Decoding greedily(const std::map<QString, double> &sentences, std::size_t mostTokens = 50) {
+    Hearing heard = hearing(sentences, mostTokens);
+    return decodeGreedily(heard, true, {});
+}
+
+TEST(Decoding, IsWholeWhereTheModelComesToAnEnd) {
+    const Decoding decoding = greedily({{u"no no no, not now"_qs, 1}});
+    EXPECT_EQ(textOf(decoding), u"no no no, not now"_qs);
+    EXPECT_FALSE(decoding.isBroken);
+}
+
+TEST(Decoding, IsBrokenWhereTheModelRepeatsItself) {
+    const Decoding decoding = greedily({{u"so he said"_qs + u" you know"_qs.repeated(20), 1}}, 200);
+    EXPECT_EQ(textOf(decoding), u"so he said you know"_qs);
+    EXPECT_TRUE(decoding.isBroken);
+    EXPECT_EQ(decoding.attention.size(), decoding.tokens.size() * decoding.frameCount);
+    EXPECT_EQ(decoding.logProbabilities.size(), decoding.tokens.size());
+}
+
+TEST(Decoding, IsBrokenWhereTheModelComesToNoEnd) {
+    const Decoding decoding =
+        greedily({{u"one two three four five six seven eight nine"_qs, 1}}, 5);
+    EXPECT_EQ(decoding.tokens.size(), 5U);
+    EXPECT_TRUE(decoding.isBroken);
+}
+
+/// What is written down when `phrase` is listened for, and what was heard without it is so many
+/// times as probable, for each token of the phrase, in logarithms.
+QString listening(const QString &phrase, const QString &plain, const QString &withPhrase,
+                  double cost) {
+    const double share = std::exp(-cost * static_cast<double>(table().encode(phrase).size()));
+    Hearing heard = hearing({{plain, 1}, {withPhrase, share}});
+    return textOf(decodeWithPhrases(heard, {phrase}, table(), {}));
+}
+
+TEST(ListeningForPhrases, TakesOneThatIsNearlyAsProbableAsWhatItSoundsLike) {
+    EXPECT_EQ(listening(u"Pannartz"_qs, u"said Panorse now"_qs, u"said Pannartz now"_qs, 1),
+              u"said Pannartz now"_qs);
+    EXPECT_EQ(listening(u"Pannartz"_qs, u"said Panorse now"_qs, u"said Pannartz now"_qs, 4),
+              u"said Panorse now"_qs);
+    EXPECT_EQ(listening(u"Pannartz"_qs, u"said yellow now"_qs, u"said Pannartz now"_qs, 1),
+              u"said yellow now"_qs);
+}
+
+TEST(ListeningForPhrases, TrustsANameMoreThanAWord) {
+    EXPECT_EQ(listening(u"Pannartz"_qs, u"said Panorse now"_qs, u"said Pannartz now"_qs, 2.25),
+              u"said Pannartz now"_qs);
+    EXPECT_EQ(listening(u"pannartz"_qs, u"said panorse now"_qs, u"said pannartz now"_qs, 2.25),
+              u"said panorse now"_qs);
+}
+
+TEST(ListeningForPhrases, TakesNoOtherFormOfAWordThatWasHeard) {
+    EXPECT_EQ(listening(u"callers"_qs, u"he was calling now"_qs, u"he was callers now"_qs, 1),
+              u"he was calling now"_qs);
+    EXPECT_EQ(
+        listening(u"participant"_qs, u"two participants now"_qs, u"two participant now"_qs, 1),
+        u"two participants now"_qs);
+}
+
+TEST(ListeningForPhrases, TakesNoneTwiceInARow) {
+    EXPECT_EQ(listening(u"pleasanter"_qs, u"far pleasanter uneasier"_qs,
+                        u"far pleasanter pleasanter"_qs, 0.5),
+              u"far pleasanter uneasier"_qs);
+}
+
+TEST(ListeningForPhrases, LeavesABrokenTextToBeHeardAgain) {
+    Hearing heard = hearing({{u"no"_qs + u" no"_qs.repeated(30), 0.9}, {u"Nowak"_qs, 0.1}}, 100);
+    EXPECT_TRUE(decodeWithPhrases(heard, {u"Nowak"_qs}, table(), {}).isBroken);
+}
+
+} // namespace
+} // namespace lorvane
