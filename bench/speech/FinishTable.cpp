@@ -128,9 +128,14 @@ int runBenchmark(QCoreApplication &application) {
                 "|---|---|---|---|---|---|\n");
     for (const QString &seconds : parser.value(u"seconds"_qs).split(u',')) {
         const QString path = folder.filePath(u"recording.caf"_qs);
-        std::mt19937 random(1);
-        const double length =
-            writeRecording(machine.audioFile, path, clips, seconds.toDouble(), random).back().end;
+        // Clips are of any length: the first order of them that is not much too long.
+        double length = 0;
+        for (unsigned seed = 1; length == 0 || length > 1.2 * seconds.toDouble(); ++seed) {
+            std::mt19937 random(seed);
+            length = writeRecording(machine.audioFile, path, clips, seconds.toDouble(), random)
+                         .back()
+                         .end;
+        }
         if (length < 60)
             machine.fresh(path); // the first run pays for what is loaded late
         const Cost fresh = machine.fresh(path);
