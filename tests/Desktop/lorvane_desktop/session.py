@@ -242,7 +242,7 @@ def connect(address):
     return connection
 
 
-def call(connection, name, path, interface, method, arguments=None, seconds=2):
-    """The results of a D-Bus call; GLib.Error if it fails."""
+def call(connection, name, path, interface, method, arguments=None, seconds=10):
+    """The results of a D-Bus call; GLib.Error if it fails, or if who is asked hangs."""
     return connection.call_sync(name, path, interface, method, arguments, None,
                                 Gio.DBusCallFlags.NONE, int(seconds * 1000), None).unpack()
