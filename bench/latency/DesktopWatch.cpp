@@ -65,7 +65,10 @@ public:
 
     int descriptor() const { return xcb_get_file_descriptor(connection_); }
 
+    /// Call it last before waiting for the descriptor: writing may read events too, and nothing
+    /// wakes for what is read already.
     void handleEvents() {
+        xcb_flush(connection_);
         while (const auto event = owned(xcb_poll_for_event(connection_))) {
             const int type = event->response_type & 0x7F;
             if (type == XCB_CREATE_NOTIFY)
@@ -76,8 +79,8 @@ public:
                 unmapped(reinterpret_cast<xcb_unmap_notify_event_t &>(*event).window);
             else if (type == damageEvent_)
                 painted(reinterpret_cast<xcb_damage_notify_event_t &>(*event));
+            xcb_flush(connection_);
         }
-        xcb_flush(connection_);
     }
 
     /// Control, Alt and Space, by the codes that they have on every keyboard of a PC.
@@ -99,6 +102,12 @@ private:
         const xcb_damage_damage_t damage = xcb_generate_id(connection_);
         xcb_damage_create(connection_, damage, event.window, XCB_DAMAGE_REPORT_LEVEL_BOUNDING_BOX);
         damages_[event.window] = damage;
+        // A window manager may have been quicker, and a window that it has framed is the root's no
+        // more.
+        const auto attributes = owned(xcb_get_window_attributes_reply(
+            connection_, xcb_get_window_attributes(connection_, event.window), nullptr));
+        if (attributes && attributes->map_state != XCB_MAP_STATE_UNMAPPED)
+            mapped(event.window);
     }
 
     void mapped(xcb_window_t window) {
@@ -187,8 +196,8 @@ int main(int argc, char **argv) {
     pollfd waits[]{{windows.descriptor(), POLLIN, 0},
                    {recordings.descriptor(), POLLIN, 0},
                    {STDIN_FILENO, POLLIN, 0}};
+    windows.handleEvents();
     while (poll(waits, 3, -1) > 0) {
-        windows.handleEvents();
         if (waits[1].revents)
             recordings.handleEvents();
         if (waits[2].revents) {
@@ -199,6 +208,7 @@ int main(int argc, char **argv) {
             tell(isDown ? "pressed" : "released");
             windows.pressShortcut(isDown);
         }
+        windows.handleEvents();
     }
     return 0;
 }

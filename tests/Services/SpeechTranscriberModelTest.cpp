@@ -64,7 +64,9 @@ public:
         clock.holdsBackground = false;
         ports.audioInput.isSlow = false;
         ports.audioInput.goOn();
+        // The second prompt shows only once the first is answered.
         ports.permissions.answerMicrophone(true);
+        clock.runUntilIdle();
         ports.permissions.answerSpeech(true);
         clock.runUntilIdle();
         cancel();
