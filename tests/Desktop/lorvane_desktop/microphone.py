@@ -27,5 +27,6 @@ class Playback:
 
 def say(session, voice):
     """Starts to play a voice (see voices.py) and returns at its first sample."""
-    process = session.spawn("speech", "paplay", "--device=speech", "--latency-msec=40", voice.path)
+    # A second ahead: a player that has to wait for a busy processor must not make the voice stutter.
+    process = session.spawn("speech", "paplay", "--device=speech", "--latency-msec=1000", voice.path)
     return Playback(process, voice.seconds)
