@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <exception>
 
 using namespace Qt::StringLiterals;
 
@@ -148,8 +149,21 @@ Async<> SpeechTranscriber::startAudio(QUuid session) {
         if (self && self->sessionID_ == session && self->isRecording_)
             self->captureFailed(u"Audio capture failed: "_s + reason);
     };
-    co_await ports_.audioInput.start(format, std::move(tap), std::move(ended));
+    std::exception_ptr refusal;
+    try {
+        co_await ports_.audioInput.start(format, std::move(tap), std::move(ended));
+    } catch (const LocalizedError &) {
+        refusal = std::current_exception();
+    }
     checkSession(self, session, cancellation);
+    if (!refusal)
+        co_return;
+    // The microphone may have gone since its format was told.
+    const AudioFormat present = co_await ports_.audioInput.format();
+    checkSession(self, session, cancellation);
+    if (!present.isUsable())
+        throw TranscriptionError(Kind::unavailableInput);
+    std::rethrow_exception(refusal);
 }
 
 void SpeechTranscriber::receiveReadings(const QUuid &session, const CaptureReadings &readings) {

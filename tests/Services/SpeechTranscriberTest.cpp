@@ -178,6 +178,20 @@ TEST_F(SpeechTranscriberTest, StartWaitsForASlowSoundServerAndIsAloneMeanwhile) 
     EXPECT_TRUE(transcriber.isRecording());
 }
 
+TEST_F(SpeechTranscriberTest, MicrophoneThatGoesAfterItsFormatWasToldIsNoneFromTheOutset) {
+    ports.audioInput.isSlow = true;
+    start();
+    ports.audioInput.goOn();
+    clock().runUntilIdle();
+    ports.audioInput.startError = u"There is no microphone."_s;
+    ports.audioInput.nativeFormat = AudioFormat();
+    ports.audioInput.isSlow = false;
+    ports.audioInput.goOn();
+    clock().runUntilIdle();
+    EXPECT_EQ(startError, Kind::unavailableInput);
+    EXPECT_TRUE(ports.recordingFolders().isEmpty());
+}
+
 /// The two waits of a start for the sound server.
 class SlowStartTest : public SpeechTranscriberFixture, public testing::WithParamInterface<int> {
 protected:
