@@ -5,7 +5,8 @@ from lorvane_desktop.endurance import Endurance
 from lorvane_desktop.session import Session
 
 NAMES = ("source unplugged", "sound server restarted before", "disk full", "disk full before",
-         "window manager restarted", "Lorvane stopped", "sound server gone", "everything stopped")
+         "window manager restarted", "clock set back", "Lorvane stopped", "sound server gone",
+         "everything stopped")
 
 
 class Endures(unittest.TestCase):

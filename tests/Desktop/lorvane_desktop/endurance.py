@@ -10,6 +10,7 @@ from collections import Counter
 from pathlib import Path
 
 from . import editors, keys, library, microphone, voices, wer
+from .daytime import Daytime
 from .lorvane import LISTENING, NO_SPEECH, PASTED, Lorvane, overlay_is_shown
 from .session import run
 from .smalldisk import SmallDisk
@@ -59,6 +60,8 @@ INTERRUPTIONS = {
                               **_cut_off | {"over": (NOT_SAVED,)}),
     "disk full after": Interruption(after="fill_disk", mend="make_room",
                                     over=(NOT_SAVED, PASTED), pasted=None),
+    "clock set back": Interruption(during="set_clock_back"),
+    "clock set back after": Interruption(after="set_clock_back"),
     "Lorvane stopped": Interruption(during="stop_lorvane"),
     "Lorvane stopped after": Interruption(after="stop_lorvane", **_either),
     "everything stopped": Interruption(during="stop_everything", whole=False, **_either),
@@ -81,7 +84,8 @@ class Endurance:
         self._disk = SmallDisk(Path(os.environ["XDG_DATA_HOME"]))
         names = [(f"zorblat {n}", f"Zorblat{n}", ()) for n in range(self._random.randrange(100))]
         library.write(Path(os.environ["XDG_DATA_HOME"]) / "Lorvane", (), names, (), "")
-        self._lorvane = Lorvane(session)
+        self._daytime = Daytime(session.home)
+        self._lorvane = Lorvane(session, before=self._daytime.command)
         self._can_be_read = True
         self._makers = makers
         self._editors = [make(session) for make in makers]
@@ -272,6 +276,10 @@ class Endurance:
 
     def _make_room(self):
         self._disk.make_room()
+
+    def _set_clock_back(self):
+        """By anything from a second to a day."""
+        self._daytime.set_back(86400 ** self._random.random())
 
     def _stop_lorvane(self):
         self._session.stop_for(self._random.uniform(0.2, 2), [self._lorvane.process])

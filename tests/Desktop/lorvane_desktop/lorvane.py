@@ -31,10 +31,11 @@ FINISH = 60
 
 class Lorvane:
     """Starts the program and waits until its window is usable. `answers` are the user's to the
-    questions for the microphone and for speech; at first both grants are given."""
+    questions for the microphone and for speech; at first both grants are given. `before` is a command
+    that runs the program."""
 
     def __init__(self, session, is_set_up=True, binary=BINARY,
-                 answers={"microphone": "yes", "speech": "yes"}):
+                 answers={"microphone": "yes", "speech": "yes"}, before=()):
         if "microphone" in answers:
             session.grant("devices", "microphone", APPLICATION_ID, answers["microphone"])
         if "speech" in answers:
@@ -46,7 +47,7 @@ class Lorvane:
         if is_set_up:
             settings.write_text("[General]\nLorvane.didCompleteSetup=true\n")
         self.folder = Path(os.environ["XDG_DATA_HOME"]) / "Lorvane"
-        self.process = session.spawn("lorvane", binary)
+        self.process = session.spawn("lorvane", *before, binary)
         self._texts = {}
         self.window = until(self._find_window, 30,
                             "Lorvane's window")
