@@ -39,6 +39,7 @@ SpeechTranscriber::~SpeechTranscriber() {
     ports_.audioInput.stop();
     if (capture_)
         capture_->close();
+    removeConfirmed();
 }
 
 void SpeechTranscriber::setRecording(bool recording) {
@@ -203,6 +204,7 @@ void SpeechTranscriber::stopAudio() {
 
 void SpeechTranscriber::cancel(bool preserveAudio) {
     sessionID_ = QUuid::createUuid();
+    removeConfirmed();
     stopAudio();
     stopLivePreview();
     if (const auto recognition = std::exchange(fileRecognition_, nullptr))

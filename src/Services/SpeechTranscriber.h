@@ -103,7 +103,8 @@ private:
                                                      std::shared_ptr<SpeechRecognizer> recognizer,
                                                      double duration, QUuid session,
                                                      QStringList *problems);
-    void confirm(const AudioRecording &recording);
+    void confirm(const std::shared_ptr<AudioRecording> &recording);
+    void removeConfirmed();
     void keepForRecovery(const AudioRecording &recording, const QStringList &problems);
 
     Ports ports_;
@@ -119,7 +120,8 @@ private:
     bool usesOnDeviceRecognition_ = false;
 
     std::shared_ptr<AudioRecording> capture_;
-    std::unique_ptr<SpeechTask> following_; ///< of the recording, until its outcome is settled
+    std::shared_ptr<AudioRecording> confirmed_; ///< whose audio is about to go
+    std::unique_ptr<SpeechTask> following_;     ///< of the recording, until its outcome is settled
     std::shared_ptr<SpeechRecognizer> recognizer_;
     QStringList contextualStrings_;
     QUuid sessionID_ = QUuid::createUuid();

@@ -121,7 +121,7 @@ Async<QString> SpeechTranscriber::transcribeRecording(Self self,
                         "audio was kept instead of accepting a potentially truncated result."_s);
     publish(transcriptionComplete_, problems.isEmpty());
     if (transcriptionComplete_)
-        confirm(*recording);
+        confirm(recording);
     else
         keepForRecovery(*recording, problems);
     following_.reset();
@@ -189,12 +189,22 @@ SpeechTranscriber::transcribeInChunks(std::shared_ptr<AudioRecording> recording,
     co_return assembly.text();
 }
 
-void SpeechTranscriber::confirm(const AudioRecording &recording) {
-    if (!QDir(recording.directory).removeRecursively())
+/// The audio goes in a later turn: whoever waits for the text has it on disk by then.
+void SpeechTranscriber::confirm(const std::shared_ptr<AudioRecording> &recording) {
+    confirmed_ = recording;
+    ports_.clock.post([self = Self(this)] {
+        if (self)
+            self->removeConfirmed();
+    });
+    publish(processingMessage_, u"Transcription complete"_s);
+}
+
+void SpeechTranscriber::removeConfirmed() {
+    const auto recording = std::exchange(confirmed_, nullptr);
+    if (recording && !QDir(recording->directory).removeRecursively())
         publish(errorMessage_,
                 u"Transcription is complete, but the temporary audio could not be removed: "_s +
-                    recording.url);
-    publish(processingMessage_, u"Transcription complete"_s);
+                    recording->url);
 }
 
 void SpeechTranscriber::keepForRecovery(const AudioRecording &recording,

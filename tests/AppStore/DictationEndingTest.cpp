@@ -74,6 +74,19 @@ TEST_F(DictationEndingTest, RecordWhoseRecordingHasNoLengthLastsAsLongAsItWasHel
     EXPECT_EQ(store->history().first().duration, 2.5);
 }
 
+TEST_F(DictationEndingTest, AudioIsThereUntilItsRecordIsOnDisk) {
+    ports.pasteboard.onSet = [this] {
+        EXPECT_EQ(textOnDisk(), u"Hello."_s);
+        EXPECT_EQ(ports.recordingFolders().size(), 1);
+    };
+    for (const bool autoPaste : {true, false}) {
+        setAutoPaste(autoPaste);
+        dictate(u"hello"_s);
+        EXPECT_TRUE(ports.recordingFolders().isEmpty());
+    }
+    EXPECT_EQ(ports.pasteboard.setCount, 2);
+}
+
 TEST_F(DictationEndingTest, CancelThrowsTheRecordingAway) {
     hold();
     speak(1s);

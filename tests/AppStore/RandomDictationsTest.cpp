@@ -384,7 +384,7 @@ protected:
 
         EXPECT_LE(liveFolders().size(), 1) << "more than one recording";
         if (!isBusy && !hasStarted) {
-            EXPECT_EQ(liveFolders(), QStringList()) << "an orphaned recording";
+            EXPECT_TRUE(liveFolders().isEmpty() || clock().hasPosted()) << "an orphaned recording";
         }
 
         if (hasStarted) {

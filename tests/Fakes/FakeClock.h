@@ -69,6 +69,11 @@ public:
         return work != nullptr;
     }
 
+    bool hasPosted() const {
+        const std::lock_guard lock(mutex_);
+        return !posted_.empty();
+    }
+
     /// Lets time pass. The timers that fall due fire in the order of their times, those of the same
     /// time in the order in which they were set; after each one all that waits is run.
     void advance(std::chrono::nanoseconds duration) {

@@ -4,6 +4,7 @@
 
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 namespace lorvane {
@@ -15,12 +16,15 @@ public:
 
     std::optional<QString> text; ///< absent until something was put there
     int setCount = 0;
+    std::function<void()> onSet; ///< called after each, if given
 
     void setText(const QString &newText) override {
         text = newText;
         ++setCount;
         if (log_)
             log_->append(QStringLiteral("setText"));
+        if (onSet)
+            onSet();
     }
 
 private:

@@ -75,16 +75,18 @@ public:
             ASSERT_EQ(call->resumptions, 1);
         ASSERT_EQ(clock.timerCount(), 0);
         checkKept();
+        for (const QString &gone : confirmedFolders)
+            ASSERT_FALSE(QFileInfo::exists(gone));
     }
 
     QString summary() const {
         return u"%1 sessions, %2 confirmed, %3 kept, %4 discarded, %5 calls"_s.arg(session)
-            .arg(confirmed)
+            .arg(confirmedCount())
             .arg(kept)
             .arg(discarded)
             .arg(calls.size());
     }
-    int confirmedCount() const { return confirmed; }
+    qsizetype confirmedCount() const { return confirmedFolders.size(); }
 
 private:
     static constexpr AudioFormat usual{100, 1}; // a low rate, so that minutes cost little
@@ -196,8 +198,8 @@ private:
             (areChunksGood() && !TranscriptIntegrity::isSeverelyShorter(text, liveReference));
         EXPECT_EQ(transcriber->transcriptionComplete(), isGood && !hasCaptureFailed);
         if (transcriber->transcriptionComplete()) {
-            ++confirmed;
-            EXPECT_FALSE(QFileInfo::exists(folder));
+            confirmedFolders.append(folder);
+            EXPECT_TRUE(QFileInfo::exists(url)) << "gone before anybody can have saved the text";
             EXPECT_EQ(transcriber->recoveryAudioURL(), QString());
             EXPECT_EQ(transcriber->processingMessage(), u"Transcription complete"_s);
         } else {
@@ -468,7 +470,7 @@ private:
     std::vector<std::unique_ptr<Call>> calls;
     std::set<QString> folders;
     QStringList keptFiles;
-    int confirmed = 0;
+    QStringList confirmedFolders;
     int kept = 0;
     int discarded = 0;
 };
