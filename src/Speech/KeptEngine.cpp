@@ -10,8 +10,10 @@ KeptEngine::KeptEngine(std::unique_ptr<SpeechEngine> engine, QString size,
 
 SpeechEngine &KeptEngine::use() {
     lastUse_ = worker_.now();
-    if (!isWatched_)
-        watch(lastUse_ + longestIdle);
+    for (Rest &rest : rests_) {
+        if (!rest.isAwaited)
+            await(rest);
+    }
     return *engine_;
 }
 
@@ -26,22 +28,29 @@ void KeptEngine::loadInBackground() {
     });
 }
 
-void KeptEngine::watch(RecognitionWorker::TimePoint time) {
-    isWatched_ = true;
-    worker_.postInBackground(time, [self = weak_from_this()](std::stop_source &) {
-        if (const auto engine = self.lock())
-            engine->unloadIfIdle();
-    });
+void KeptEngine::await(Rest &rest) {
+    rest.isAwaited = true;
+    worker_.postInBackground(lastUse_ + rest.length,
+                             [weak = weak_from_this(), &rest](std::stop_source &) {
+                                 if (const auto self = weak.lock())
+                                     self->endRest(rest);
+                             });
 }
 
-void KeptEngine::unloadIfIdle() {
-    isWatched_ = false;
-    if (worker_.now() < lastUse_ + longestIdle) {
-        watch(lastUse_ + longestIdle);
-        return;
-    }
+void KeptEngine::endRest(Rest &rest) {
+    rest.isAwaited = false;
+    if (worker_.now() < lastUse_ + rest.length)
+        await(rest);
+    else
+        (this->*rest.act)();
+}
+
+/// The C library keeps freed memory otherwise, in pieces that a longer recording can't use.
+void KeptEngine::trim() { malloc_trim(0); }
+
+void KeptEngine::unload() {
     engine_->unload();
-    malloc_trim(0); // the C library keeps freed memory otherwise
+    trim();
 }
 
 } // namespace lorvane

@@ -5,10 +5,12 @@
 
 namespace lorvane {
 
-/// The engine of one worker and the size of model that it uses there. The memory of a model that
-/// has not been used for a while is given back; the next use loads it again.
+/// The engine of one worker and the size of model that it uses there. What recognition has freed is
+/// given back to the system soon after it, and the memory of a model that has not been used for a
+/// while too; the next use loads it again.
 class KeptEngine : public std::enable_shared_from_this<KeptEngine> {
 public:
+    static constexpr std::chrono::seconds shortRest{5};
     static constexpr std::chrono::minutes longestIdle{10};
 
     /// `worker` outlives this.
@@ -23,14 +25,22 @@ public:
     void loadInBackground();
 
 private:
-    void watch(RecognitionWorker::TimePoint time);
-    void unloadIfIdle();
+    /// What is done once the engine has not been used for some time.
+    struct Rest {
+        std::chrono::seconds length;
+        void (KeptEngine::*act)();
+        bool isAwaited = false;
+    };
+    void await(Rest &rest);
+    void endRest(Rest &rest);
+    void trim();
+    void unload();
 
     const std::unique_ptr<SpeechEngine> engine_;
     const QString size_;
     RecognitionWorker &worker_;
     RecognitionWorker::TimePoint lastUse_;
-    bool isWatched_ = false;
+    Rest rests_[2] = {{shortRest, &KeptEngine::trim}, {longestIdle, &KeptEngine::unload}};
 };
 
 } // namespace lorvane

@@ -39,5 +39,26 @@ TEST(KeptEngine, GivesTheMemoryOfAModelBackThatIsNotUsedAndLoadsItAgain) {
     EXPECT_GT(residentBytes(), givenBack);
 }
 
+TEST(KeptEngine, GivesBackSoonWhatRecognitionHasFreed) {
+    RealEngine real(QStringLiteral("tiny"));
+    const std::vector<float> samples = decodedAudio(promptPath(u"vm-nobox"_qs));
+    std::vector<float> longer;
+    for (int i = 0; i < 5; ++i)
+        longer.insert(longer.end(), samples.begin(), samples.end());
+    real.run([&](const std::stop_token &stop) {
+        real.engine->use().recognize(longer, real.engine->size(), {}, stop);
+    });
+    const qint64 busy = residentBytes();
+    real.pass(KeptEngine::shortRest - std::chrono::seconds(1));
+    const qint64 paused = residentBytes();
+    real.pass(std::chrono::seconds(1));
+    const qint64 rested = residentBytes();
+    std::printf("Figure: after a short rest %.0f MB of %.0f are given back\n",
+                static_cast<double>(busy - rested) / megabyte,
+                static_cast<double>(busy) / megabyte);
+    EXPECT_NEAR(static_cast<double>(paused), static_cast<double>(busy), 2 * megabyte);
+    EXPECT_LT(static_cast<double>(rested), static_cast<double>(busy) - 10 * megabyte);
+}
+
 } // namespace
 } // namespace lorvane

@@ -25,6 +25,7 @@ DISK_FULL = "No space left on device"
 NOT_SAVED = "Could not save the library: "
 
 PAUSE = 0.3  # seconds between the last word and letting go
+REST = 7  # seconds after which Lorvane has given back the memory that it was done with
 LIMIT = 60  # seconds for whatever is only late when this machine is busy
 
 
@@ -55,7 +56,7 @@ INTERRUPTIONS = {
     "sound server killed": Interruption(during="kill_sound", mend="start_sound", **_cut_off),
     "window manager restarted before": Interruption("restart_windows"),
     "window manager restarted": Interruption(during="restart_windows", **_either),
-    "disk full before": Interruption("fill_disk", mend="make_room", refused=DISK_FULL),
+    "disk full before": Interruption("fill_disk_for_good", mend="make_room", refused=DISK_FULL),
     "disk full": Interruption(during="fill_disk", mend="make_room",
                               **_cut_off | {"over": (NOT_SAVED,)}),
     "disk full after": Interruption(after="fill_disk", mend="make_room",
@@ -74,8 +75,10 @@ BUS_RESTARTED = Interruption("restart_accessibility", **_either)
 
 class Endurance:
     """One desktop and one Lorvane. `failures` lists what was wrong, `counts` what happened, and
-    `megabytes` the resident memory after each dictation. `lengths` are those of the things that are
-    said, in sentences."""
+    `megabytes` the resident memory after each dictation, and at rest after each fiftieth. `lengths`
+    are those of the things that are said, in sentences."""
+
+    RESTED = 50
 
     def __init__(self, session, seed, makers=(editors.mousepad, editors.featherpad),
                  lengths=(1,)):
@@ -114,6 +117,8 @@ class Endurance:
             except TimeoutError as error:
                 self._check(False, f"{number + 1} ({name}): {error}")
             self.counts[name] += 1
+            if (number + 1) % self.RESTED == 0:
+                time.sleep(REST)
             self.megabytes.append(self._lorvane.megabytes())
             report(f"{number + 1:4} {name}: {time.monotonic() - start:.1f} s, "
                    f"{self.megabytes[-1]:.0f} MB"
@@ -273,6 +278,12 @@ class Endurance:
 
     def _fill_disk(self):
         self._disk.fill()
+
+    def _fill_disk_for_good(self):
+        """Not while the library is being saved, whose old file makes room again."""
+        file = self._lorvane.folder / "library.json"
+        until(lambda: time.time() - file.stat().st_mtime > 1, LIMIT, "a library that is at rest")
+        self._fill_disk()
 
     def _make_room(self):
         self._disk.make_room()
