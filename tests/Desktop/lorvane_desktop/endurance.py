@@ -194,15 +194,16 @@ class Endurance:
     def _check_what_is_left(self, what, interruption, target, voice, texts):
         self._check(self._lorvane.process.poll() is None, f"{what}: Lorvane has ended")
         copied = editors.clipboard()
-        if copied and interruption.pasted:
-            until(lambda: target.text() != texts[target], LIMIT, "the text in the target")
-        added = {editor: editor.text()[len(texts[editor]):] for editor in self._editors}
         kept = [file.stat().st_size for file in self._recordings()]
-
         if interruption.refused:
             self._check(not any(kept) and not copied, f"{what}: {kept}, “{copied}”")
         else:
             self._check_text(what, interruption, voice, copied, kept)
+        if copied and interruption.pasted:
+            until(lambda: target.text() != texts[target], LIMIT, "the text in the target")
+
+        added = {editor: editor.text()[len(texts[editor]):] for editor in self._editors}
+        if not interruption.refused:
             pasted = added.pop(target)
             self._check(pasted in ((copied,) if interruption.pasted else
                                    ("",) if interruption.pasted is False else (copied, "")),
