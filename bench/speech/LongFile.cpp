@@ -1,6 +1,6 @@
 // Analyses a recording of hours, made of the recordings of some folders in random order with pauses
 // of random length, and prints word errors next to those of the parts alone, speed, memory as the
-// analysis goes on, and how long it takes to abandon it in its middle.
+// analysis goes on, and how long it takes to abandon it.
 
 #include "LongRecording.h"
 #include "Platform/Linux/SndfileAudioFile.h"
@@ -14,9 +14,11 @@
 #include <QCoreApplication>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <cstdio>
 #include <future>
 #include <map>
+#include <thread>
 
 namespace lorvane {
 namespace {
@@ -89,27 +91,35 @@ Results analyze(OnDeviceSpeech &speech, const QString &path, double minutes) {
     return results;
 }
 
-/// How many seconds it takes until nothing of an analysis is left that is abandoned at some time of
-/// the recording.
-double secondsToAbandon(OnDeviceSpeech &speech, const QString &path, double time) {
-    std::promise<void> reached;
-    std::promise<void> gone;
-    // What the analysis holds goes when it has stopped.
-    std::shared_ptr<void> held(nullptr, [&gone](void *) { gone.set_value(); });
-    bool isThere = false;
-    const auto analyzer = speech.makeAnalyzer(u"en"_qs, {});
-    analyzer->start(
-        path,
-        [&, held = std::move(held)](const SpeechAnalysisResult &result) {
-            if (result.start >= time && !std::exchange(isThere, true))
-                reached.set_value();
-        },
-        [](const std::optional<QString> &) {});
-    reached.get_future().wait();
-    const auto start = SteadyClock::now();
-    analyzer->cancelAndFinishNow();
-    gone.get_future().wait();
-    return secondsSince(start);
+/// Abandons analyses after random times, and prints how long it takes until nothing of them is
+/// left.
+void abandon(OnDeviceSpeech &speech, const QString &path, int times, std::mt19937 &random) {
+    std::vector<double> seconds;
+    std::vector<double> processor;
+    for (int i = 0; i < times; ++i) {
+        std::promise<void> gone;
+        // What the analysis holds goes when it has stopped.
+        std::shared_ptr<void> held(nullptr, [&gone](void *) { gone.set_value(); });
+        const auto analyzer = speech.makeAnalyzer(u"en"_qs, {});
+        analyzer->start(
+            path, [held = std::move(held)](const SpeechAnalysisResult &) {},
+            [](const std::optional<QString> &) {});
+        std::this_thread::sleep_for(
+            std::chrono::duration<double>(std::uniform_real_distribution(0.0, 5.0)(random)));
+        const auto start = SteadyClock::now();
+        const double processorStart = processorSeconds();
+        analyzer->cancelAndFinishNow();
+        gone.get_future().wait();
+        seconds.push_back(secondsSince(start));
+        processor.push_back(processorSeconds() - processorStart);
+    }
+    const auto print = [](const char *what, std::vector<double> values) {
+        std::sort(values.begin(), values.end());
+        std::printf("abandoned %zu times: all over %.1f ms of %s later, %.1f ms at worst\n",
+                    values.size(), 1000 * values[values.size() / 2], what, 1000 * values.back());
+    };
+    print("time", seconds);
+    print("processor", processor);
 }
 
 int runBenchmark(QCoreApplication &application) {
@@ -118,7 +128,8 @@ int runBenchmark(QCoreApplication &application) {
     parser.addPositionalArgument(u"folders"_qs, u"recordings with a clips.tsv"_qs);
     parser.addOption({u"minutes"_qs, u"the length of the recording"_qs, u"count"_qs, u"120"_qs});
     parser.addOption({u"seed"_qs, u"of the order and the pauses"_qs, u"number"_qs, u"1"_qs});
-    parser.addOption({u"abandon"_qs, u"analyse it once more, up to its middle"_qs});
+    parser.addOption(
+        {u"abandon"_qs, u"begin to analyse it so often more"_qs, u"times"_qs, u"0"_qs});
     parser.process(application);
     if (parser.positionalArguments().isEmpty())
         parser.showHelp(1);
@@ -145,9 +156,8 @@ int runBenchmark(QCoreApplication &application) {
                     processor / parts.back().end);
         std::printf("%.0f MB at the peak, %.0f MB before the models were loaded\n", peakMegabytes(),
                     before);
-        if (parser.isSet(u"abandon"_qs))
-            std::printf("abandoned in the middle: all over %.0f ms later\n",
-                        1000 * secondsToAbandon(speech, path, minutes * 30));
+        if (const int times = parser.value(u"abandon"_qs).toInt())
+            abandon(speech, path, times, random);
     }
     const WordErrors errors = errorsOf(results, parts);
     const WordErrors ofParts = errorsOfParts(parts, models);
