@@ -12,9 +12,10 @@ constexpr double marginAfter = 0.5;
 
 /// A pause in which the model may lose the thread, and which costs time: it always ends a stretch.
 constexpr double longestPause = 4;
-/// From this length on a stretch ends at the next pause between sentences.
-constexpr double fullStretch = 10;
-constexpr double sentencePause = 1;
+/// From this length on a stretch ends at the next pause that is as long as between sentences: a
+/// model that hears several speakers or subjects at once makes more errors. See docs/recogniser.md.
+constexpr double fullStretch = 3;
+constexpr double sentencePause = 0.8;
 /// At this length it has to be cut, at the widest pause or else at the weakest moment.
 constexpr double longestStretch = 30;
 constexpr double shortestStretch = 5;
