@@ -14,11 +14,12 @@ namespace {
 
 /// By how much of the logarithm of its probability a text may fall behind for each token of a
 /// phrase, by how much the phrase sounds like what it replaces. A name, by its capitals, may cost
-/// more: a word by itself is known to the model, which would have heard it. These are measured: see
+/// more: a word by itself is known to the model, which would have heard it. A name that sounds the
+/// same is only another spelling, and the user's is the right one. These are measured: see
 /// docs/recogniser.md.
 double allowance(double likeness, bool isName) {
     if (isName)
-        return std::clamp(5 * likeness - 1, 0.4, 2.9);
+        return likeness >= 0.95 ? 4 : std::clamp(5 * likeness - 1, 0.4, 2.9);
     return likeness >= 0.9 ? 2.25 : std::clamp(4 * likeness - 1.2, 0.4, 1.5);
 }
 

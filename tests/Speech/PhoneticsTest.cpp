@@ -13,6 +13,7 @@ TEST(Phonetics, FindsWhatIsSpeltInAnotherWayTheSame) {
     EXPECT_EQ(alike(u"O’Brien"_qs, u"OBrien"_qs), 1);
     EXPECT_EQ(alike(u"Café"_qs, u"cafe"_qs), 1);
     EXPECT_EQ(alike(u"Philip"_qs, u"Filip"_qs), 1);
+    EXPECT_EQ(alike(u"Maintz"_qs, u"Mainz"_qs), 1);
 }
 
 TEST(Phonetics, FindsANameLikeWhatWasHeardInItsPlace) {
