@@ -22,15 +22,23 @@ std::optional<KeyboardMap> KeyboardMap::read(X11Connection &connection,
                                              const QDeadlineTimer &deadline) {
     if (useXkb(connection, deadline) == 0)
         return std::nullopt;
+    return answer(connection, ask(connection), deadline);
+}
+
+KeyboardMap::Question KeyboardMap::ask(X11Connection &connection) {
     xcb_connection_t *const c = connection.get();
-    const auto stateCookie = xcb_xkb_get_state(c, XCB_XKB_ID_USE_CORE_KBD);
-    const auto mapCookie = xcb_xkb_get_map(c, XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_MAP_PART_KEY_SYMS, 0,
-                                           0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0);
-    const auto modifierCookie = xcb_get_modifier_mapping(c);
-    const auto state = connection.reply<xcb_xkb_get_state_reply_t>(stateCookie, deadline);
-    const auto map = connection.reply<xcb_xkb_get_map_reply_t>(mapCookie, deadline);
+    return {xcb_xkb_get_state(c, XCB_XKB_ID_USE_CORE_KBD),
+            xcb_xkb_get_map(c, XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_MAP_PART_KEY_SYMS, 0, 0, 0, 0, 0, 0,
+                            0, 0, 0, 0, 0, 0, 0, 0, 0, 0),
+            xcb_get_modifier_mapping(c)};
+}
+
+std::optional<KeyboardMap> KeyboardMap::answer(X11Connection &connection, const Question &question,
+                                               const QDeadlineTimer &deadline) {
+    const auto state = connection.reply<xcb_xkb_get_state_reply_t>(question.state, deadline);
+    const auto map = connection.reply<xcb_xkb_get_map_reply_t>(question.map, deadline);
     const auto modifiers =
-        connection.reply<xcb_get_modifier_mapping_reply_t>(modifierCookie, deadline);
+        connection.reply<xcb_get_modifier_mapping_reply_t>(question.modifiers, deadline);
     if (!state || !map || !modifiers)
         return std::nullopt;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Linux/X11Connection.h"
+#include "Platform/Linux/Xkb.h"
 
 #include <initializer_list>
 #include <optional>
@@ -23,9 +24,20 @@ inline constexpr xcb_keysym_t altRight = 0xffea;
 /// The keyboard's map at one moment: which keys give which symbols, and which are modifiers.
 class KeyboardMap {
 public:
+    /// A question that is on its way to the server.
+    struct Question {
+        xcb_xkb_get_state_cookie_t state;
+        xcb_xkb_get_map_cookie_t map;
+        xcb_get_modifier_mapping_cookie_t modifiers;
+    };
+
     /// Asks the server; none if it doesn't answer in time or doesn't speak XKB.
     static std::optional<KeyboardMap> read(X11Connection &connection,
                                            const QDeadlineTimer &deadline);
+    /// The same in two steps, on a connection that speaks XKB. Each question wants its answer.
+    static Question ask(X11Connection &connection);
+    static std::optional<KeyboardMap> answer(X11Connection &connection, const Question &question,
+                                             const QDeadlineTimer &deadline);
 
     /// The keys that give the symbol by themselves: those of the present layout if it has any, or
     /// else those of the other layouts.

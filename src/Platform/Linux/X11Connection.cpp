@@ -66,7 +66,7 @@ void X11Connection::postDelivery() {
     XcbPtr<xcb_generic_event_t> event(xcb_poll_for_queued_event(connection_));
     if (event)
         events_.push_back(std::move(event));
-    if (!events_.empty() && !std::exchange(deliveryPosted_, true)) {
+    if ((!events_.empty() || !marks_.empty()) && !std::exchange(deliveryPosted_, true)) {
         QMetaObject::invokeMethod(
             context_.get(), [this] { deliverEvents(); }, Qt::QueuedConnection);
     }
@@ -83,6 +83,24 @@ bool X11Connection::readEvent() {
 bool X11Connection::synchronize(const QDeadlineTimer &deadline) {
     return reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection_), deadline) !=
            nullptr;
+}
+
+void X11Connection::whenSynchronized(std::function<void()> then) {
+    marks_.push_back({xcb_get_input_focus(connection_).sequence, std::move(then)});
+    flush();
+}
+
+/// What is to be done at the next mark if the server has come so far, else nothing.
+std::function<void()> X11Connection::takeReachedMark() {
+    void *reply = nullptr;
+    xcb_generic_error_t *failure = nullptr;
+    if (marks_.empty() ||
+        xcb_poll_for_reply(connection_, marks_.front().sequence, &reply, &failure) == 0 || !reply)
+        return {};
+    std::free(reply);
+    auto then = std::move(marks_.front().then);
+    marks_.pop_front();
+    return then;
 }
 
 xcb_atom_t X11Connection::atom(const char *name, const QDeadlineTimer &deadline) {
@@ -106,6 +124,11 @@ void X11Connection::deliverEvents() {
         events_.pop_front();
         if (handler_)
             handler_(*event);
+        if (alive.expired())
+            return;
+    }
+    while (const auto then = takeReachedMark()) {
+        then();
         if (alive.expired())
             return;
     }

@@ -50,14 +50,25 @@ public:
     bool flush();
     /// Sends everything and waits until the server has worked on it; false if it is too late.
     bool synchronize(const QDeadlineTimer &deadline);
+    /// Sends everything, and calls `then` from the event loop when the server has worked on it: the
+    /// answers to all requests up to here have come by then, and the events before them have been
+    /// delivered. Never called if the server goes first. `then` may destroy the connection.
+    void whenSynchronized(std::function<void()> then);
     /// Hands the events that have come to the handler at once, not only from the event loop.
     void deliverEvents();
     /// The server's number of a name, which is remembered; 0 if it doesn't answer.
     xcb_atom_t atom(const char *name, const QDeadlineTimer &deadline);
 
 private:
+    /// A request whose answer tells that the server has come so far.
+    struct Mark {
+        unsigned int sequence = 0;
+        std::function<void()> then;
+    };
+
     void *waitForReply(unsigned int sequence, const QDeadlineTimer &deadline);
     bool readEvent();
+    std::function<void()> takeReachedMark();
     void postDelivery();
 
     xcb_connection_t *connection_;
@@ -67,6 +78,7 @@ private:
     std::shared_ptr<QObject> context_; ///< gone when this is
     QHash<QByteArray, xcb_atom_t> atoms_;
     std::deque<XcbPtr<xcb_generic_event_t>> events_; ///< read, but not delivered yet
+    std::deque<Mark> marks_;
     bool deliveryPosted_ = false;
 };
 

@@ -6,7 +6,6 @@
 #include <array>
 #include <chrono>
 #include <utility>
-#include <vector>
 
 namespace lorvane {
 
@@ -31,7 +30,7 @@ qint32 XcbHotKey::registerHotKey(HotKeyId id, Handler handler) {
     unregisterHotKey();
     qint32 status = connectToServer();
     if (status == 0)
-        status = updateGrabs();
+        status = grabFirst();
     if (status != 0) {
         unregisterHotKey();
         return status;
@@ -43,13 +42,14 @@ qint32 XcbHotKey::registerHotKey(HotKeyId id, Handler handler) {
 
 void XcbHotKey::unregisterHotKey() {
     if (connection_ && connection_->error() == 0) {
-        for (const Grab &grab : grabs_)
-            xcb_ungrab_key(connection_->get(), grab.key, connection_->root(), grab.modifiers);
+        xcb_ungrab_key(connection_->get(), XCB_GRAB_ANY, connection_->root(), XCB_MOD_MASK_ANY);
         // Whoever takes the combination after this returns shall get it.
         connection_->synchronize(QDeadlineTimer(timeLimit));
     }
     connection_.reset();
     grabs_.clear();
+    requests_.clear();
+    isFollowing_ = isOutdated_ = false;
     pressedKey_ = 0;
     id_ = {};
     handler_ = nullptr;
@@ -81,20 +81,45 @@ qint32 XcbHotKey::connectToServer() {
     return flags && (flags->value & detectable) ? 0 : noAnswer;
 }
 
-/// Grabs what the present map asks for, and lets go what it doesn't ask for any more. Grabs that
-/// stay are left alone: a press between an end and a new beginning would be lost.
-qint32 XcbHotKey::updateGrabs() {
+/// Waits for the server, as whoever registers waits for the status.
+qint32 XcbHotKey::grabFirst() {
     const QDeadlineTimer deadline(timeLimit);
-    const auto map = KeyboardMap::read(*connection_, deadline);
+    const auto map = KeyboardMap::answer(*connection_, KeyboardMap::ask(*connection_), deadline);
     if (!map)
         return noAnswer;
-    const uint16_t alt = map->modifiers({KeySymbol::altLeft, KeySymbol::altRight});
+    if (!requestGrabs(*map))
+        return badValue;
+    return connection_->synchronize(deadline) ? takeGrabs() : noAnswer;
+}
+
+/// Takes the keys of a new map. Nobody waits for the server, which may be slow with a new map.
+void XcbHotKey::followMap() {
+    isOutdated_ = isFollowing_;
+    if (std::exchange(isFollowing_, true))
+        return;
+    const KeyboardMap::Question question = KeyboardMap::ask(*connection_);
+    connection_->whenSynchronized([this, question] {
+        if (const auto map = KeyboardMap::answer(*connection_, question, QDeadlineTimer(0)))
+            requestGrabs(*map);
+        connection_->whenSynchronized([this] {
+            takeGrabs();
+            isFollowing_ = false;
+            if (isOutdated_)
+                followMap();
+        });
+    });
+}
+
+/// Asks for what the map wants, and lets go what it doesn't want any more. Grabs that stay are left
+/// alone: a press between an end and a new beginning would be lost. False if no key fits.
+bool XcbHotKey::requestGrabs(const KeyboardMap &map) {
+    const uint16_t alt = map.modifiers({KeySymbol::altLeft, KeySymbol::altRight});
     const auto combination =
         static_cast<uint16_t>(XCB_MOD_MASK_CONTROL | (alt ? alt : uint16_t(XCB_MOD_MASK_1)));
-    const std::array<uint16_t, 3> locks = {XCB_MOD_MASK_LOCK, map->modifiers({KeySymbol::numLock}),
-                                           map->modifiers({KeySymbol::scrollLock})};
+    const std::array<uint16_t, 3> locks = {XCB_MOD_MASK_LOCK, map.modifiers({KeySymbol::numLock}),
+                                           map.modifiers({KeySymbol::scrollLock})};
     std::set<Grab> wanted;
-    for (const xcb_keycode_t key : map->keys(KeySymbol::space)) {
+    for (const xcb_keycode_t key : map.keys(KeySymbol::space)) {
         for (unsigned int subset = 0; subset < 1u << locks.size(); ++subset) {
             uint16_t modifiers = combination;
             for (unsigned int i = 0; i < locks.size(); ++i)
@@ -103,28 +128,29 @@ qint32 XcbHotKey::updateGrabs() {
         }
     }
     if (wanted.empty())
-        return badValue;
+        return false;
 
     xcb_connection_t *const c = connection_->get();
     for (const Grab &grab : grabs_) {
         if (!wanted.contains(grab))
             xcb_ungrab_key(c, grab.key, connection_->root(), grab.modifiers);
     }
-    std::vector<std::pair<Grab, xcb_void_cookie_t>> requests;
     for (const Grab &grab : wanted) {
         if (!grabs_.contains(grab)) {
-            requests.emplace_back(
-                grab, xcb_grab_key_checked(c, false, connection_->root(), grab.modifiers, grab.key,
-                                           XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
+            requests_.push_back(
+                {grab, xcb_grab_key_checked(c, false, connection_->root(), grab.modifiers, grab.key,
+                                            XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)});
         }
     }
     std::erase_if(grabs_, [&](const Grab &grab) { return !wanted.contains(grab); });
-    // After this the checks below don't wait.
-    if (!connection_->synchronize(deadline))
-        return noAnswer;
+    return true;
+}
+
+/// Reads the server's answers, which have come. Gives the first refusal, or 0.
+qint32 XcbHotKey::takeGrabs() {
     qint32 status = 0;
-    for (const auto &[grab, request] : requests) {
-        const XcbPtr<xcb_generic_error_t> refusal(xcb_request_check(c, request));
+    for (const auto &[grab, cookie] : std::exchange(requests_, {})) {
+        const XcbPtr<xcb_generic_error_t> refusal(xcb_request_check(connection_->get(), cookie));
         if (!refusal)
             grabs_.insert(grab);
         else if (status == 0)
@@ -148,10 +174,10 @@ void XcbHotKey::handleEvent(const xcb_generic_event_t &event) {
             report(false);
         }
         break;
-    case XCB_MAPPING_NOTIFY: updateGrabs(); break;
+    case XCB_MAPPING_NOTIFY: followMap(); break;
     default:
         if (event.response_type == xkbEvent_)
-            updateGrabs();
+            followMap();
         break;
     }
 }

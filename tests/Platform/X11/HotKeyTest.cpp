@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <array>
+#include <csignal>
 #include <iostream>
 #include <optional>
 #include <random>
@@ -233,25 +234,47 @@ TEST_F(XcbHotKeyTest, ARefusedRegistrationHoldsNothing) {
     EXPECT_EQ(other.grab(space, combination), 0);
 }
 
-TEST_F(XcbHotKeyTest, FollowsTheSpaceKeyToAnotherPlace) {
+/// The Space key has gone elsewhere.
+class XcbHotKeyWithAnotherSpaceTest : public XcbHotKeyTest {
+protected:
+    void SetUp() override {
+        XcbHotKeyTest::SetUp();
+        hands.user.map(elsewhere, KeySymbol::space);
+        hands.user.map(space, 0);
+    }
+
+    void TearDown() override {
+        hands.user.map(space, KeySymbol::space);
+        hands.user.map(elsewhere, 0);
+    }
+
+    void expectItFollows() {
+        X11Client rival; // finds the old place free when the hot key has followed
+        EXPECT_TRUE(waitUntil(
+            [&] { return rival.grab(space, XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1) == 0; }));
+
+        hands.user.press(KeySymbol::controlLeft);
+        hands.user.press(KeySymbol::altLeft);
+        hands.user.pressKey(elsewhere);
+        hands.user.releaseKey(elsewhere);
+        hands.user.release(KeySymbol::altLeft);
+        hands.user.release(KeySymbol::controlLeft);
+        EXPECT_TRUE(reports.await("+-")) << reports.text();
+    }
+
+    static constexpr xcb_keycode_t elsewhere = 96; // a function key
     const xcb_keycode_t space = hands.user.key(KeySymbol::space);
-    constexpr xcb_keycode_t other = 96; // a function key
-    hands.user.map(other, KeySymbol::space);
-    hands.user.map(space, 0);
-    X11Client rival; // finds the old place free when the hot key has followed
-    EXPECT_TRUE(
-        waitUntil([&] { return rival.grab(space, XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1) == 0; }));
+};
 
-    hands.user.press(KeySymbol::controlLeft);
-    hands.user.press(KeySymbol::altLeft);
-    hands.user.pressKey(other);
-    hands.user.releaseKey(other);
-    hands.user.release(KeySymbol::altLeft);
-    hands.user.release(KeySymbol::controlLeft);
-    EXPECT_TRUE(reports.await("+-")) << reports.text();
+TEST_F(XcbHotKeyWithAnotherSpaceTest, FollowsIt) { expectItFollows(); }
 
-    hands.user.map(space, KeySymbol::space);
-    hands.user.map(other, 0);
+TEST_F(XcbHotKeyWithAnotherSpaceTest, FollowsItThoughTheServerIsLongInAnswering) {
+    hands.user.synchronize(); // the hot key has been told, but hasn't read it yet
+    const auto server = static_cast<pid_t>(VirtualDesktop::current().xServer().processId());
+    ::kill(server, SIGSTOP);
+    QCoreApplication::processEvents();
+    ::kill(server, SIGCONT);
+    expectItFollows();
 }
 
 TEST_F(XcbHotKeyTest, StaysThroughChangesOfTheLayout) {
