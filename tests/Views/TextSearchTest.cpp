@@ -22,6 +22,7 @@ TEST(TextSearchTest, CaseDoesNotMatterButDiacriticsDo) {
     EXPECT_TRUE(finds(u"ΌΣΟΣ"_qs, u"όσος"_qs)) << "both small sigmas";
     EXPECT_FALSE(finds(u"ecole"_qs, u"une école"_qs));
     EXPECT_FALSE(finds(u"écoles"_qs, u"une école"_qs));
+    EXPECT_FALSE(finds(u"@["_qs, u"`{"_qs)) << "next to the letters";
 }
 
 TEST(TextSearchTest, BlanksArePartOfWhatIsSought) {

@@ -69,6 +69,20 @@ QString caselessKey(QStringView text, bool turkic) {
     return QStringView(key.getBuffer(), key.length()).toString();
 }
 
+/// The key of a text of English letters, of which the compiler takes several at a time; false if it
+/// has others, too.
+bool foldAscii(QStringView text, char16_t *key) {
+    const char16_t *source = text.utf16();
+    char16_t all = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t unit = source[i];
+        const bool isCapital = static_cast<char16_t>(unit - u'A') < 26;
+        key[i] = static_cast<char16_t>(unit | (isCapital ? 0x20 : 0));
+        all = static_cast<char16_t>(all | unit);
+    }
+    return all < 0x80;
+}
+
 /// Whether a mark stands there that belongs to the character before it.
 bool isMark(QStringView text, qsizetype index) {
     if (index >= text.size())
@@ -92,14 +106,16 @@ bool TextSearch::isIn(QStringView text) const {
     thread_local QString key;
     key.resize(text.size());
     auto *units = reinterpret_cast<char16_t *>(key.data());
-    const char16_t *source = text.utf16();
-    bool isSimple = true;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        units[i] = folded_[source[i]];
-        isSimple &= units[i] != 0;
+    if (turkic_ || !foldAscii(text, units)) {
+        const char16_t *source = text.utf16();
+        bool isSimple = true;
+        for (qsizetype i = 0; i < text.size(); ++i) {
+            units[i] = folded_[source[i]];
+            isSimple &= units[i] != 0;
+        }
+        if (!isSimple)
+            key = caselessKey(text, turkic_);
     }
-    if (!isSimple)
-        key = caselessKey(text, turkic_);
     // A single unit is found sixteen at a time; a longer text is skipped through.
     const QChar first = sought_.pattern().front();
     const auto next = [&](qsizetype from) {
