@@ -1,5 +1,6 @@
 // Linked with the program's own objects: a thread that asks the event loop for a sign of life all
 // the time, and tells on standard error when the main thread let it wait, and where it was then.
+// SIGUSR1 asks for the sum of all that was since the last one.
 
 #include <QCoreApplication>
 #include <QMetaObject>
@@ -16,6 +17,7 @@
 #include <string>
 #include <thread>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -46,6 +48,10 @@ Milliseconds processorTime(clockid_t clock) {
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
+std::atomic<bool> sumIsWanted = false;
+
+void wantSum(int) { sumIsWanted = true; }
+
 void tellWhereItIs(int) {
     void *frames[64];
     const int count = backtrace(frames, 64);
@@ -58,10 +64,13 @@ public:
         pthread_getcpuclockid(main_, &clock_);
         void *frames[1];
         backtrace(frames, 1); // it loads what a signal handler mustn't
+        std::signal(SIGUSR1, wantSum);
         std::signal(SIGUSR2, tellWhereItIs);
         thread_ = std::jthread([this](const std::stop_token &stop) {
             while (!stop.stop_requested()) {
                 ask(stop);
+                if (sumIsWanted.exchange(false))
+                    tellSum();
                 std::this_thread::sleep_for(interval);
             }
         });
@@ -70,7 +79,6 @@ public:
     ~EventLoopWatchdog() {
         thread_.request_stop();
         thread_.join();
-        std::fprintf(stderr, "Event loop: asked %d times\n", count_);
     }
 
 private:
@@ -86,6 +94,7 @@ private:
         const auto answer = std::make_shared<Answer>();
         const Milliseconds waitedBefore = processorWait(mainId_);
         const Milliseconds ranBefore = processorTime(clock_);
+        const auto asked = SteadyClock::now();
         QMetaObject::invokeMethod(
             QCoreApplication::instance(),
             [answer] {
@@ -95,7 +104,6 @@ private:
                 answer->isGiven = true;
             },
             Qt::QueuedConnection);
-        const auto asked = SteadyClock::now();
         bool isTold = false;
         while (!answer->isGiven) {
             if (stop.stop_requested())
@@ -112,7 +120,8 @@ private:
         // While others have the processors, nobody answers soon: that is not the program's doing.
         const Milliseconds starving =
             std::min(wait - computing, Milliseconds(answer->processorWait - waitedBefore));
-        ++count_;
+        waits_.push_back(wait);
+        mostComputing_ = std::max(mostComputing_, computing);
         if (wait > worthTelling)
             std::fprintf(stderr,
                          "Event loop: %.1f ms, computing %.1f, waiting for others %.1f, for a "
@@ -121,10 +130,25 @@ private:
                          starving.count());
     }
 
+    void tellSum() {
+        std::sort(waits_.begin(), waits_.end());
+        const auto part = [this](double share) {
+            const auto last = static_cast<double>(waits_.size() - 1);
+            return waits_[static_cast<std::size_t>(share * last)].count();
+        };
+        std::fprintf(stderr,
+                     "Event loop: asked %zu times, median %.2f ms, 99 of 100 %.1f, worst %.1f, "
+                     "most computing %.1f\n",
+                     waits_.size(), part(0.5), part(0.99), part(1), mostComputing_.count());
+        waits_.clear();
+        mostComputing_ = {};
+    }
+
     pthread_t main_;
     pid_t mainId_;
     clockid_t clock_{};
-    int count_ = 0;
+    std::vector<Milliseconds> waits_; ///< since the last sum
+    Milliseconds mostComputing_{0};
     std::jthread thread_;
 };
 
