@@ -49,13 +49,10 @@ LorCard {
         maximumLineCount: 4
     }
 
-    LorPlainButton {
+    LorLink {
         visible: card.home.hasLatest
         text: "Copy text"
         symbol: "doc.on.doc"
-        color: LorPalette.accent
-        font.pixelSize: 11
-        font.weight: Font.Medium
         onClicked: card.copy()
     }
 }

@@ -65,12 +65,10 @@ LorScrollPage {
             Accessible.role: Accessible.Heading
         }
 
-        LorPlainButton {
+        LorLink {
             visible: LorPages.isListed(LorPages.history)
             text: "View history"
-            color: LorPalette.accent
             font.pixelSize: 12
-            font.weight: Font.Medium
             onClicked: page.showHistory()
         }
     }

@@ -35,7 +35,7 @@ LorButton {
             anchors.centerIn: parent
             name: button.home.recordSymbol
             size: 28
-            color: "white"
+            color: LorPalette.white
         }
     }
 }

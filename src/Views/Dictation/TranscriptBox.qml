@@ -36,12 +36,9 @@ Rectangle {
             Layout.fillWidth: true
             visible: box.home.isTranscriptFinal
 
-            LorPlainButton {
+            LorLink {
                 text: "Copy text"
                 symbol: "doc.on.doc"
-                color: LorPalette.accent
-                font.pixelSize: 11
-                font.weight: Font.Medium
                 enabled: !box.home.isBusy
                 onClicked: box.copy()
             }
@@ -50,12 +47,9 @@ Rectangle {
                 Layout.fillWidth: true
             }
 
-            LorPlainButton {
+            LorLink {
                 visible: LorPages.isListed(LorPages.history)
                 text: "View history"
-                color: LorPalette.accent
-                font.pixelSize: 11
-                font.weight: Font.Medium
                 onClicked: box.showHistory()
             }
         }

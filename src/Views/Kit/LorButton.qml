@@ -15,7 +15,7 @@ T.AbstractButton {
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
-    opacity: enabled ? 1 : 0.5
+    opacity: enabled ? 1 : LorPalette.disabledOpacity
 
     Keys.onReturnPressed: button.clicked()
     Keys.onEnterPressed: button.clicked()

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Lorvane
 
-// A translucent white card with a hairline border. Its children stand below each other.
+// A white card with a hairline border, through which a little of the canvas shows. Its children stand below each other.
 Rectangle {
     default property alias content: column.data
     property alias spacing: column.spacing
@@ -13,7 +13,7 @@ Rectangle {
     implicitWidth: column.implicitWidth + 2 * padding
     implicitHeight: column.implicitHeight + 2 * padding
     radius: 16
-    color: Qt.rgba(1, 1, 1, 0.88)
+    color: LorPalette.card
     border.width: 1
     border.color: LorPalette.line
 

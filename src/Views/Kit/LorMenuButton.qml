@@ -31,12 +31,7 @@ LorPlainButton {
         padding: 5
         margins: 8
 
-        background: Rectangle {
-            radius: 8
-            color: "white"
-            border.width: 1
-            border.color: LorPalette.outline
-        }
+        background: LorMenuFrame {}
 
         contentItem: ListView {
             implicitWidth: contentItem.childrenRect.width

@@ -13,7 +13,7 @@ T.MenuItem {
     horizontalPadding: 10
     verticalPadding: 6
     font.pixelSize: 13
-    opacity: enabled ? 1 : 0.5
+    opacity: enabled ? 1 : LorPalette.disabledOpacity
     Accessible.role: Accessible.MenuItem
     Accessible.name: text
     Accessible.onPressAction: choose()

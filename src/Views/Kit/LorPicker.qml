@@ -16,7 +16,7 @@ T.ComboBox {
     font.pixelSize: 13
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
-    opacity: enabled ? 1 : 0.5
+    opacity: enabled ? 1 : LorPalette.disabledOpacity
 
     Keys.onReturnPressed: popup.open()
     Keys.onEnterPressed: popup.open()
@@ -31,7 +31,7 @@ T.ComboBox {
 
     background: Rectangle {
         radius: 7
-        color: picker.down ? LorPalette.sidebar : "white"
+        color: picker.down ? LorPalette.sidebar : LorPalette.white
         border.width: 1
         border.color: LorPalette.outline
 
@@ -86,14 +86,14 @@ T.ComboBox {
                 opacity: entry.isChosen ? 1 : 0
                 name: "checkmark"
                 size: 11
-                color: entry.highlighted ? "white" : LorPalette.ink
+                color: entry.highlighted ? LorPalette.white : LorPalette.ink
             }
 
             Text {
                 Layout.fillWidth: true
                 text: entry.text
                 font: picker.font
-                color: entry.highlighted ? "white" : LorPalette.ink
+                color: entry.highlighted ? LorPalette.white : LorPalette.ink
                 elide: Text.ElideRight
                 textFormat: Text.PlainText
                 Accessible.ignored: true
@@ -121,11 +121,6 @@ T.ComboBox {
             Accessible.name: picker.label
         }
 
-        background: Rectangle {
-            radius: 8
-            color: "white"
-            border.width: 1
-            border.color: LorPalette.outline
-        }
+        background: LorMenuFrame {}
     }
 }

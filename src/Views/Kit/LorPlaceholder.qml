@@ -8,7 +8,7 @@ Text {
     visible: field.length === 0
     text: field.placeholderText
     font: field.font
-    color: LorPalette.translucent(LorPalette.muted, 0.7)
+    color: LorPalette.placeholder
     elide: Text.ElideRight
     textFormat: Text.PlainText
     Accessible.ignored: true

@@ -16,12 +16,12 @@ LorButton {
 
     background: Rectangle {
         radius: 9
-        color: LorPalette.translucent(LorPalette.accent, button.down ? 0.75 : 1)
+        color: button.down ? LorPalette.pressedAccent : LorPalette.accent
     }
 
     contentItem: LorButtonLabel {
         button: button
         symbol: button.symbol
-        color: "white"
+        color: LorPalette.white
     }
 }

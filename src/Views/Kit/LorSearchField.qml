@@ -4,7 +4,7 @@ import QtQuick.Templates as T
 import Lorvane
 
 // A field to search with, which a button of its own empties.
-Rectangle {
+LorFieldFrame {
     id: search
 
     required property string placeholder
@@ -13,9 +13,7 @@ Rectangle {
     Layout.fillWidth: true
     implicitHeight: row.implicitHeight + 22
     radius: 9
-    color: "white"
-    border.width: field.activeFocus ? 2 : 1
-    border.color: field.activeFocus ? LorPalette.focus : LorPalette.line
+    hasFocus: field.activeFocus
 
     RowLayout {
         id: row
@@ -39,7 +37,7 @@ Rectangle {
             font.pixelSize: 12
             selectByMouse: true
             selectionColor: LorPalette.accent
-            selectedTextColor: "white"
+            selectedTextColor: LorPalette.white
             placeholderText: search.placeholder
             Accessible.name: search.placeholder
             Keys.onEscapePressed: event => {

@@ -47,7 +47,7 @@ Item {
             selectByKeyboard: true
             activeFocusOnTab: true
             selectionColor: LorPalette.accent
-            selectedTextColor: "white"
+            selectedTextColor: LorPalette.white
             KeyNavigation.priority: KeyNavigation.BeforeItem
             Accessible.role: Accessible.StaticText
             Accessible.name: text
@@ -65,6 +65,7 @@ Item {
             visible: selectable.truncated
             width: ellipsis.width + 6
             height: ellipsis.height
+            color: LorPalette.card
 
             Text {
                 id: ellipsis

@@ -5,9 +5,9 @@ import QtQuick.Window
 Item {
     id: shadow
 
-    property color color: Qt.rgba(0, 0, 0, 0.18)
-    property real blur: 12
-    property real cornerRadius: 0
+    required property color color
+    required property real blur
+    required property real cornerRadius
 
     readonly property real scaling: Screen.devicePixelRatio
 

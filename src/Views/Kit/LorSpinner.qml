@@ -6,7 +6,7 @@ import QtQuick.Window
 Item {
     id: spinner
 
-    property color color: "black"
+    required property color color
     property int position: 0
     readonly property int spokes: 8
 

@@ -18,8 +18,8 @@ LorButton {
 
     background: Rectangle {
         radius: 7
-        color: button.filled ? LorPalette.translucent(LorPalette.accent, button.down ? 0.75 : 1)
-                             : (button.down ? LorPalette.sidebar : "white")
+        color: button.filled ? (button.down ? LorPalette.pressedAccent : LorPalette.accent)
+                             : (button.down ? LorPalette.sidebar : LorPalette.white)
         border.width: button.filled ? 0 : 1
         border.color: LorPalette.outline
     }
@@ -27,6 +27,6 @@ LorButton {
     contentItem: LorButtonLabel {
         button: button
         symbol: button.symbol
-        color: button.filled ? "white" : button.destructive ? LorPalette.red : LorPalette.ink
+        color: button.filled ? LorPalette.white : button.destructive ? LorPalette.red : LorPalette.ink
     }
 }

@@ -10,7 +10,7 @@ T.Switch {
     implicitHeight: 19
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
-    opacity: enabled ? 1 : 0.5
+    opacity: enabled ? 1 : LorPalette.disabledOpacity
 
     Keys.onReturnPressed: change()
     Keys.onEnterPressed: change()
@@ -38,7 +38,7 @@ T.Switch {
         width: control.width
         height: control.height
         radius: height / 2
-        color: control.checked ? LorPalette.accent : Qt.rgba(0, 0, 0, 0.18)
+        color: control.checked ? LorPalette.accent : LorPalette.track
 
         Rectangle {
             x: control.visualPosition * (parent.width - width - 4) + 2
@@ -46,7 +46,7 @@ T.Switch {
             width: parent.height - 4
             height: width
             radius: width / 2
-            color: "white"
+            color: LorPalette.white
         }
     }
 

@@ -5,7 +5,7 @@ Item {
     id: symbol
 
     required property string name
-    property color color: "black"
+    required property color color
     property real size: 16
 
     readonly property string argb: color.toString().slice(1)

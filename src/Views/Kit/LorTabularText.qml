@@ -6,7 +6,7 @@ Row {
 
     property string text
     property font font
-    property color color: "black"
+    required property color color
 
     Accessible.role: Accessible.StaticText
     Accessible.name: text

@@ -35,7 +35,7 @@ Flickable {
         wrapMode: TextEdit.Wrap
         selectByMouse: true
         selectionColor: LorPalette.accent
-        selectedTextColor: "white"
+        selectedTextColor: LorPalette.white
         background: null
         activeFocusOnTab: true
         Accessible.name: editor.label
@@ -63,7 +63,7 @@ Flickable {
         visible: editor.placeholder !== "" && editor.text === ""
         text: editor.placeholder
         font: area.font
-        color: LorPalette.translucent(LorPalette.muted, 0.7)
+        color: LorPalette.placeholder
         textFormat: Text.PlainText
         wrapMode: Text.Wrap
         Accessible.ignored: true

@@ -19,14 +19,13 @@ T.TextField {
     font.pixelSize: 13
     selectByMouse: true
     selectionColor: LorPalette.accent
-    selectedTextColor: "white"
+    selectedTextColor: LorPalette.white
     Accessible.name: label
 
-    background: Rectangle {
+    background: LorFieldFrame {
         radius: 6
-        color: "white"
-        border.width: field.activeFocus ? 2 : 1
-        border.color: field.activeFocus ? LorPalette.focus : LorPalette.outline
+        hasFocus: field.activeFocus
+        line: LorPalette.outline
     }
 
     LorPlaceholder {

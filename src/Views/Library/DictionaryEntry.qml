@@ -44,7 +44,7 @@ LorListRow {
             width: parent.width
             height: parent.height - y + (entry.isLast ? 0 : radius)
             radius: entry.cornerRadius
-            color: Qt.rgba(1, 1, 1, 0.9)
+            color: LorPalette.panel
             border.width: 1
             border.color: LorPalette.line
         }

@@ -79,11 +79,9 @@ LorListPage {
         list: page
         topPadding: spacing
 
-        LorLabel {
+        LorNote {
             symbol: "info.circle"
             text: "Variants help recognition. Name corrections apply when you finish dictating."
-            color: LorPalette.muted
-            font.pixelSize: 11
         }
     }
 }

@@ -28,13 +28,11 @@ LorSheet {
     LorCaptioned {
         caption: "Write this instead"
 
-        Rectangle {
+        LorFieldFrame {
             Layout.fillWidth: true
             implicitHeight: 200 + 16
             radius: 8
-            color: "white"
-            border.width: content.hasFocus ? 2 : 1
-            border.color: content.hasFocus ? LorPalette.focus : LorPalette.line
+            hasFocus: content.hasFocus
 
             LorTextEditor {
                 id: content

@@ -80,11 +80,9 @@ LorListPage {
         list: page
         topPadding: spacing
 
-        LorLabel {
+        LorNote {
             symbol: "info.circle"
             text: "Dictate a trigger phrase on its own. It expands when you finish."
-            color: LorPalette.muted
-            font.pixelSize: 11
         }
     }
 }

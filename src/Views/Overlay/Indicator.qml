@@ -10,6 +10,7 @@ Item {
     readonly property color accent: Qt.rgba(1, 0.43, 0.25, 1)
     readonly property color fill: Qt.rgba(0.12, 0.13, 0.14, 0.97)
     readonly property color border: Qt.rgba(1, 1, 1, 0.12)
+    readonly property color foreground: "white"
     readonly property color timerColor: Qt.rgba(1, 1, 1, 0.65)
     readonly property color detailColor: Qt.rgba(1, 1, 1, 0.7)
     readonly property int rowHeight: 22
@@ -56,7 +57,7 @@ Item {
         LorSpinner {
             anchors.centerIn: parent
             visible: !indicator.meter.showsWaveform
-            color: "white"
+            color: indicator.foreground
         }
     }
 
@@ -76,7 +77,7 @@ Item {
                 id: title
 
                 text: indicator.meter.title
-                color: "white"
+                color: indicator.foreground
                 font.pixelSize: 12
                 font.weight: Font.DemiBold
             }

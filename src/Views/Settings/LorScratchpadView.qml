@@ -53,13 +53,12 @@ Item {
             }
         }
 
-        Rectangle {
+        LorFieldFrame {
             Layout.fillWidth: true
             Layout.fillHeight: true
             radius: 16
-            color: Qt.rgba(1, 1, 1, 0.9)
-            border.width: editor.hasFocus ? 2 : 1
-            border.color: editor.hasFocus ? LorPalette.focus : LorPalette.line
+            color: LorPalette.panel
+            hasFocus: editor.hasFocus
 
             LorTextEditor {
                 id: editor
@@ -75,12 +74,10 @@ Item {
             }
         }
 
-        LorLabel {
+        LorNote {
             Layout.fillWidth: true
             symbol: "lightbulb"
             text: "Copy a dictation from History and paste it here to keep working."
-            color: LorPalette.muted
-            font.pixelSize: 11
         }
     }
 

@@ -105,7 +105,7 @@ Rectangle {
                     Layout.fillWidth: true
                     implicitHeight: row.implicitHeight + 24
                     radius: 9
-                    color: "white"
+                    color: LorPalette.white
 
                     RowLayout {
                         id: row
@@ -139,7 +139,7 @@ Rectangle {
                                 id: state
                                 anchors.centerIn: parent
                                 text: "ON"
-                                color: "white"
+                                color: LorPalette.white
                                 font.pixelSize: 9
                                 font.weight: Font.Bold
                                 Accessible.ignored: true

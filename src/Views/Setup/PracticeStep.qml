@@ -53,13 +53,11 @@ ColumnLayout {
         detail: "Wait for transcription. Dictionary substitutions are applied before the final text is saved and pasted."
     }
 
-    Rectangle {
+    LorFieldFrame {
         Layout.fillWidth: true
         implicitHeight: 80 + 16
         radius: 10
-        color: "white"
-        border.width: field.hasFocus ? 2 : 1
-        border.color: field.hasFocus ? LorPalette.focus : LorPalette.line
+        hasFocus: field.hasFocus
 
         LorTextEditor {
             id: field

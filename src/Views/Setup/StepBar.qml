@@ -32,7 +32,7 @@ RowLayout {
 
                 anchors.centerIn: parent
                 text: parent.modelData
-                color: parent.isCurrent ? "white" : LorPalette.muted
+                color: parent.isCurrent ? LorPalette.white : LorPalette.muted
                 font.pixelSize: 11
                 font.weight: Font.Medium
                 Accessible.selected: parent.isCurrent

@@ -22,7 +22,7 @@ LorButton {
 
     background: Rectangle {
         radius: 9
-        color: button.selected ? Qt.rgba(1, 1, 1, 0.9) : "transparent"
+        color: button.selected ? LorPalette.selectedPage : "transparent"
     }
 
     contentItem: RowLayout {

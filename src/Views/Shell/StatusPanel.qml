@@ -11,7 +11,7 @@ Rectangle {
     Layout.fillWidth: true
     implicitHeight: column.implicitHeight + 28
     radius: 12
-    color: Qt.rgba(1, 1, 1, 0.5)
+    color: LorPalette.status
 
     ColumnLayout {
         id: column
