@@ -20,6 +20,7 @@ int main(int argc, char **argv) {
     keepPrivate();
     TerminationSignals::block();
     const QVariantMap platformData = SingleInstance::platformData();
+    setUpDisplay();
     Application application(argc, argv);
     QApplication::setApplicationName(u"lorvane"_s);
     QApplication::setDesktopFileName(u"net.lorvane.Lorvane"_s);

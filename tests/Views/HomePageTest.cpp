@@ -29,7 +29,8 @@ TEST(HomeModelTest, ABarTakesItsShareOfTheLevel) {
         EXPECT_EQ(HomeModel::barHeight(bar, -0.3), 5);
     }
     EXPECT_NEAR(HomeModel::barShare(1), 0.25 + 0.75 * 0.99166, 1e-4);
-    EXPECT_EQ(HomeModel::barShares().size(), 24);
+    EXPECT_EQ(HomeModel::barOpacities().size(), 24);
+    EXPECT_DOUBLE_EQ(HomeModel::barOpacities().first(), 0.45 + 0.25 * 0.55);
 }
 
 const QStringList head{u"YOUR VOICE, IN WRITING"_qs, u"A little less typing."_qs,

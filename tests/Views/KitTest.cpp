@@ -1,3 +1,4 @@
+#include "Views/Kit/Bars.h"
 #include "Views/Kit/Contrast.h"
 #include "Views/Kit/Formatting.h"
 #include "Views/Kit/Shadow.h"
@@ -7,6 +8,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QLocale>
+#include <QPainter>
 #include <QRegularExpression>
 
 #include <gtest/gtest.h>
@@ -97,6 +99,58 @@ TEST(ContrastTest, EitherSettingAsksForMoreAndOthersDont) {
     EXPECT_FALSE(take(gnome, u"high-contrast"_qs, false));
     EXPECT_TRUE(take(standard, u"contrast"_qs, QVariant::fromValue(QDBusVariant(1U))))
         << "as an answer has it";
+}
+
+class BarsTest : public testing::Test {
+protected:
+    BarsTest() {
+        bars.setSpacing(3);
+        bars.setDuration(80);
+        bars.setHeights({3, 22});
+    }
+
+    QVariantAnimation &animation() { return *bars.findChild<QVariantAnimation *>(); }
+
+    Bars bars;
+};
+
+TEST_F(BarsTest, ARowIsAsWideAsItsBarsAndTheGapsBetween) {
+    EXPECT_EQ(bars.implicitWidth(), 11);
+    bars.setHeights(QList<double>(34, 3));
+    EXPECT_EQ(bars.implicitWidth(), 235);
+}
+
+TEST_F(BarsTest, TheFirstHeightsAreThereAtOnceAndOthersAreMovedTo) {
+    EXPECT_EQ(bars.drawnHeights(), (QList<double>{3, 22}));
+    bars.setHeights({13, 12});
+    EXPECT_EQ(bars.drawnHeights(), (QList<double>{3, 22}));
+    animation().setCurrentTime(40);
+    EXPECT_EQ(bars.drawnHeights(), (QList<double>{8, 17}));
+    bars.setHeights({18, 17});
+    EXPECT_EQ(bars.drawnHeights(), (QList<double>{8, 17})) << "from where they are";
+    animation().setCurrentTime(80);
+    EXPECT_EQ(bars.drawnHeights(), (QList<double>{18, 17}));
+}
+
+TEST_F(BarsTest, ARowThatIsHiddenDoesNotMove) {
+    bars.setVisible(false);
+    bars.setHeights({13, 12});
+    EXPECT_EQ(bars.drawnHeights(), (QList<double>{13, 12}));
+}
+
+TEST_F(BarsTest, EachBarIsDrawnInTheMiddleWithItsOpacity) {
+    bars.setColor(Qt::red);
+    bars.setOpacities({1, 0.5});
+    bars.setSize(QSizeF(11, 22));
+    QImage image(11, 22, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    bars.paint(&painter);
+    painter.end();
+    EXPECT_EQ(image.pixelColor(2, 11), QColor(Qt::red));
+    EXPECT_EQ(image.pixelColor(2, 5).alpha(), 0) << "above the low bar";
+    EXPECT_EQ(image.pixelColor(5, 11).alpha(), 0) << "between the two";
+    EXPECT_NEAR(image.pixelColor(9, 5).alphaF(), 0.5, 0.01);
 }
 
 TEST(ShadowTest, AShadowIsFullInTheMiddleHalfAtTheEdgeAndGoneOutside) {

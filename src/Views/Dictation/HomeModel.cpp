@@ -36,6 +36,7 @@ void HomeModel::refresh() {
     }
     if (level != level_) {
         level_ = level;
+        barHeights_ = heightsAt(level);
         Q_EMIT levelChanged();
     }
 }
@@ -68,17 +69,17 @@ double HomeModel::barHeight(int bar, double level) {
     return 5 + std::clamp(level, 0.0, 1.0) * barShare(bar) * 30;
 }
 
-QList<double> HomeModel::barShares() {
-    QList<double> shares;
+QList<double> HomeModel::barOpacities() {
+    QList<double> opacities;
     for (int bar = 0; bar < barCount; ++bar)
-        shares.append(barShare(bar));
-    return shares;
+        opacities.append(0.45 + barShare(bar) * 0.55);
+    return opacities;
 }
 
-QList<double> HomeModel::barHeights() const {
+QList<double> HomeModel::heightsAt(double level) {
     QList<double> heights;
     for (int bar = 0; bar < barCount; ++bar)
-        heights.append(barHeight(bar, level_));
+        heights.append(barHeight(bar, level));
     return heights;
 }
 

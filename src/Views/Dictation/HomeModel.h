@@ -28,7 +28,7 @@ class HomeModel : public QObject {
     Q_PROPERTY(bool isTranscriptFinal READ isTranscriptFinal NOTIFY stateChanged)
 
     Q_PROPERTY(QList<double> barHeights READ barHeights NOTIFY levelChanged)
-    Q_PROPERTY(QList<double> barShares READ barShares CONSTANT)
+    Q_PROPERTY(QList<double> barOpacities READ barOpacities CONSTANT)
 
     Q_PROPERTY(QString wordsCaptured READ wordsCaptured NOTIFY historyChanged)
     Q_PROPERTY(QString thoughtsSaved READ thoughtsSaved NOTIFY historyChanged)
@@ -61,11 +61,12 @@ public:
     bool isTranscriptFinal() const { return state_.isTranscriptFinal; }
 
     /// The heights of the level meter's bars.
-    QList<double> barHeights() const;
-    /// What each bar takes of the level, from 0.25 to 1: a ragged outline that stays.
-    static QList<double> barShares();
-    static double barShare(int bar);
+    const QList<double> &barHeights() const { return barHeights_; }
     static double barHeight(int bar, double level);
+    /// What a bar takes of the level, from 0.25 to 1: a ragged outline that stays.
+    static double barShare(int bar);
+    /// The more a bar takes, the stronger it is drawn.
+    static QList<double> barOpacities();
 
     // The statistics.
     QString wordsCaptured() const;
@@ -96,11 +97,13 @@ private:
         bool operator==(const State &) const = default;
     };
 
+    static QList<double> heightsAt(double level);
     void refresh();
 
     QPointer<AppStore> store_;
     State state_;
     double level_ = 0;
+    QList<double> barHeights_ = heightsAt(0);
 };
 
 } // namespace lorvane

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
 #include <QOpenGLFunctions>
@@ -9,6 +10,11 @@
 #include <QQuickWindow>
 
 #include <algorithm>
+
+#if QT_CONFIG(xcb)
+#include <sys/socket.h>
+#include <xcb/xcb.h>
+#endif
 
 namespace lorvane {
 
@@ -45,7 +51,39 @@ bool hasOpenGLHardware() {
 
 } // namespace
 
+namespace {
+
+constexpr auto noSharedMemory = "QT_XCB_NO_MITSHM"; // Qt's own
+bool hasSetNoSharedMemory = false;
+
+/// Lets a picture wait in the socket for a server that is busy: one of a whole window at scale 1,
+/// or as much as the system allows.
+void widenWayToServer() {
+#if QT_CONFIG(xcb)
+    constexpr int bytes = 4 << 20;
+    const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    if (x11 && QGuiApplication::platformName() == u"xcb")
+        setsockopt(xcb_get_file_descriptor(x11->connection()), SOL_SOCKET, SO_SNDBUF, &bytes,
+                   sizeof bytes);
+#endif
+}
+
+} // namespace
+
+void setUpDisplay() {
+    // An X server takes pictures out of shared memory when it gets round to it, and Qt waits for
+    // that before the next frame, on the main thread. As messages they are small, for only what
+    // has changed is sent, and nobody waits.
+    hasSetNoSharedMemory = !qEnvironmentVariableIsSet(noSharedMemory);
+    if (hasSetNoSharedMemory)
+        qputenv(noSharedMemory, "1");
+}
+
 void setUpGraphics() {
+    // What the program starts settles this for itself.
+    if (hasSetNoSharedMemory)
+        qunsetenv(noSharedMemory);
+    widenWayToServer();
     QQuickStyle::setStyle(u"Basic"_qs);
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     // Qt Quick's own variable has the last word.

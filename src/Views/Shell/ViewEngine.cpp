@@ -2,6 +2,7 @@
 
 #include "Views/Dictation/HistoryModel.h"
 #include "Views/Dictation/HomeModel.h"
+#include "Views/Kit/Bars.h"
 #include "Views/Kit/Contrast.h"
 #include "Views/Kit/DocumentText.h"
 #include "Views/Kit/LineSpacing.h"
@@ -21,6 +22,7 @@
 namespace lorvane {
 
 ViewEngine::ViewEngine(QObject *parent) : QQmlEngine(parent) {
+    qmlRegisterType<Bars>("Lorvane.Models", 1, 0, "Bars");
     qmlRegisterType<Contrast>("Lorvane.Models", 1, 0, "Contrast");
     qmlRegisterType<DictionaryEditor>("Lorvane.Models", 1, 0, "DictionaryEditor");
     qmlRegisterType<DictionaryModel>("Lorvane.Models", 1, 0, "DictionaryModel");
