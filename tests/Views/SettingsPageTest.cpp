@@ -186,6 +186,16 @@ TEST_F(SettingsPageTest, ALanguageIsChosenWithTheKeyboard) {
     EXPECT_EQ(chosenLanguage(), u"日本語"_qs);
 }
 
+TEST_F(SettingsPageTest, TheLanguagesThatAssistiveTechnologyOpensAreClosedByEscape) {
+    open();
+    find(picker, QAccessible::ComboBox)
+        ->actionInterface()
+        ->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_NE(find(u"Français"_qs, QAccessible::ListItem), nullptr);
+    type(Qt::Key_Escape);
+    EXPECT_EQ(find(u"Français"_qs, QAccessible::ListItem), nullptr);
+}
+
 TEST_F(SettingsPageTest, ALanguageThatIsNotOfferedIsKeptAndShowsNoChoice) {
     AppSettings stored;
     stored.languageIdentifier = u"pt-BR"_qs;

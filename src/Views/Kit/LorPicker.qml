@@ -18,16 +18,21 @@ T.ComboBox {
     hoverEnabled: true
     opacity: enabled ? 1 : LorPalette.disabledOpacity
 
-    Keys.onReturnPressed: popup.open()
-    Keys.onEnterPressed: popup.open()
+    Keys.onReturnPressed: open()
+    Keys.onEnterPressed: open()
+
+    // As a click does it: the keys go to the list, and Escape closes it.
+    function open() {
+        if (!enabled)
+            return;
+        forceActiveFocus(Qt.OtherFocusReason);
+        popup.open();
+    }
 
     Accessible.role: Accessible.ComboBox
     Accessible.name: label
     Accessible.description: displayText
-    Accessible.onPressAction: {
-        if (enabled)
-            popup.open();
-    }
+    Accessible.onPressAction: open()
 
     background: Rectangle {
         radius: 7
