@@ -3,6 +3,7 @@
 #include "Views/Kit/Formatting.h"
 #include "Views/Kit/Shadow.h"
 #include "Views/Kit/Symbols.h"
+#include "Views/Kit/SystemFont.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -151,6 +152,11 @@ TEST_F(BarsTest, EachBarIsDrawnInTheMiddleWithItsOpacity) {
     EXPECT_EQ(image.pixelColor(2, 5).alpha(), 0) << "above the low bar";
     EXPECT_EQ(image.pixelColor(5, 11).alpha(), 0) << "between the two";
     EXPECT_NEAR(image.pixelColor(9, 5).alphaF(), 0.5, 0.01);
+}
+
+TEST(SystemFontTest, AFontOfOneWeightIsMadeBolderForSemibold) {
+    EXPECT_EQ(SystemFont::semiboldOf(u"DejaVu Sans"_qs), QFont::DemiBold);
+    EXPECT_EQ(SystemFont::semiboldOf(u"VL PGothic"_qs), QFont::Bold);
 }
 
 TEST(ShadowTest, AShadowIsFullInTheMiddleHalfAtTheEdgeAndGoneOutside) {

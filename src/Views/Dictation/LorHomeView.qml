@@ -61,7 +61,7 @@ LorScrollPage {
             Layout.fillWidth: true
             text: "Your latest thoughts"
             font.pixelSize: 17
-            font.weight: Font.DemiBold
+            font.weight: LorFonts.semibold
             Accessible.role: Accessible.Heading
         }
 

@@ -53,7 +53,7 @@ LorCard {
                 text: card.home.badge
                 color: card.home.isRecording ? LorPalette.accent : LorPalette.muted
                 font.pixelSize: 9
-                font.weight: Font.DemiBold
+                font.weight: LorFonts.semibold
                 font.letterSpacing: 1
             }
         }

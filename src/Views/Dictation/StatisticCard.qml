@@ -32,7 +32,7 @@ LorCard {
         text: card.label
         color: LorPalette.muted
         font.pixelSize: 8
-        font.weight: Font.DemiBold
+        font.weight: LorFonts.semibold
         font.letterSpacing: 1.2
         elide: Text.ElideRight
     }

@@ -47,7 +47,7 @@ Loader {
                     Layout.fillWidth: true
                     text: confirmation.title
                     font.pixelSize: 15
-                    font.weight: Font.DemiBold
+                    font.weight: LorFonts.semibold
                     wrapMode: Text.Wrap
                     Accessible.role: Accessible.Heading
                 }

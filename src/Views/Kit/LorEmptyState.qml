@@ -35,7 +35,7 @@ ColumnLayout {
         Layout.alignment: Qt.AlignHCenter
         text: state.title
         font.pixelSize: 17
-        font.weight: Font.DemiBold
+        font.weight: LorFonts.semibold
     }
 
     LorText {

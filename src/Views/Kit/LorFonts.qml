@@ -1,8 +1,12 @@
 pragma Singleton
 import QtQuick
+import Lorvane.Models
 
-// The families that stand beside the system font.
+// The families that stand beside the system font, and what that has of weights.
 QtObject {
+    readonly property SystemFont system: SystemFont {}
+    readonly property int semibold: system.semibold
+
     readonly property string rounded: "Quicksand"
     // Fontconfig lists the family's medium weight as a family of its own.
     readonly property string roundedMedium: "Quicksand Medium"

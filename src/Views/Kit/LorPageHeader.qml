@@ -18,7 +18,7 @@ ColumnLayout {
         text: header.eyebrow.toUpperCase()
         color: LorPalette.accent
         font.pixelSize: 10
-        font.weight: Font.DemiBold
+        font.weight: LorFonts.semibold
         font.letterSpacing: 2
     }
 

@@ -10,7 +10,7 @@ LorButton {
     horizontalPadding: 18
     verticalPadding: 11
     font.pixelSize: 13
-    font.weight: Font.DemiBold
+    font.weight: LorFonts.semibold
     focusRadius: 9
     opacity: 1
 

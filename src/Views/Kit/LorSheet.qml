@@ -48,7 +48,7 @@ LorDialog {
                 Layout.fillWidth: true
                 text: sheet.heading
                 font.pixelSize: 22
-                font.weight: Font.DemiBold
+                font.weight: LorFonts.semibold
                 wrapMode: Text.Wrap
                 Accessible.role: Accessible.Heading
             }

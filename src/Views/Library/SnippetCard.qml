@@ -31,7 +31,7 @@ LorListCard {
             text: card.trigger
             color: LorPalette.accent
             font.pixelSize: 13
-            font.weight: Font.DemiBold
+            font.weight: LorFonts.semibold
         }
 
         LorPlainButton {

@@ -79,7 +79,7 @@ Item {
                 text: indicator.meter.title
                 color: indicator.foreground
                 font.pixelSize: 12
-                font.weight: Font.DemiBold
+                font.weight: LorFonts.semibold
             }
 
             LorTabularText {

@@ -15,7 +15,7 @@ LorCard {
         symbol: "lock.shield"
         text: "Personal by design"
         font.pixelSize: 15
-        font.weight: Font.DemiBold
+        font.weight: LorFonts.semibold
     }
 
     Repeater {

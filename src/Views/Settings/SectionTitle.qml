@@ -4,7 +4,7 @@ import Lorvane
 LorText {
     color: LorPalette.muted
     font.pixelSize: 10
-    font.weight: Font.DemiBold
+    font.weight: LorFonts.semibold
     font.letterSpacing: 1.6
     Accessible.role: Accessible.Heading
 }

@@ -23,7 +23,7 @@ RowLayout {
         LorText {
             anchors.centerIn: parent
             text: instruction.number
-            font.weight: Font.DemiBold
+            font.weight: LorFonts.semibold
         }
     }
 
@@ -35,7 +35,7 @@ RowLayout {
             Layout.fillWidth: true
             text: instruction.title
             font.pixelSize: 13
-            font.weight: Font.DemiBold
+            font.weight: LorFonts.semibold
             wrapMode: Text.Wrap
         }
 

@@ -36,7 +36,7 @@ Item {
                 text: "LORVANE · GETTING STARTED"
                 color: LorPalette.muted
                 font.pixelSize: 11
-                font.weight: Font.DemiBold
+                font.weight: LorFonts.semibold
                 font.letterSpacing: 1
             }
 

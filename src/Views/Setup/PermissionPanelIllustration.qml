@@ -74,7 +74,7 @@ Rectangle {
                     text: "Privacy & Security"
                     color: LorPalette.muted
                     font.pixelSize: 11
-                    font.weight: Font.DemiBold
+                    font.weight: LorFonts.semibold
                     wrapMode: Text.Wrap
                     Accessible.ignored: true
                 }
@@ -96,7 +96,7 @@ Rectangle {
                     LorText {
                         text: illustration.title
                         font.pixelSize: 15
-                        font.weight: Font.DemiBold
+                        font.weight: LorFonts.semibold
                         Accessible.ignored: true
                     }
                 }

@@ -45,7 +45,7 @@ LorButton {
             Layout.fillWidth: true
             text: button.text
             font.pixelSize: 13
-            font.weight: button.selected ? Font.DemiBold : Font.Medium
+            font.weight: button.selected ? LorFonts.semibold : Font.Medium
             color: button.foreground
             Accessible.ignored: true
         }

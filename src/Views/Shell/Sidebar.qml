@@ -46,7 +46,7 @@ Rectangle {
                     text: "LESS TYPING. MORE YOU."
                     color: LorPalette.muted
                     font.pixelSize: 8
-                    font.weight: Font.DemiBold
+                    font.weight: LorFonts.semibold
                     font.letterSpacing: 1.2
                 }
             }
@@ -58,7 +58,7 @@ Rectangle {
             text: "WORKSPACE"
             color: LorPalette.muted
             font.pixelSize: 9
-            font.weight: Font.DemiBold
+            font.weight: LorFonts.semibold
             font.letterSpacing: 1.6
         }
 

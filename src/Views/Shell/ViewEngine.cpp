@@ -9,6 +9,7 @@
 #include "Views/Kit/ReadingOrder.h"
 #include "Views/Kit/Shadow.h"
 #include "Views/Kit/Symbols.h"
+#include "Views/Kit/SystemFont.h"
 #include "Views/Library/DictionaryEditor.h"
 #include "Views/Library/DictionaryModel.h"
 #include "Views/Library/SnippetEditor.h"
@@ -36,6 +37,7 @@ ViewEngine::ViewEngine(QObject *parent) : QQmlEngine(parent) {
     qmlRegisterType<SetupModel>("Lorvane.Models", 1, 0, "SetupModel");
     qmlRegisterType<SnippetEditor>("Lorvane.Models", 1, 0, "SnippetEditor");
     qmlRegisterType<SnippetsModel>("Lorvane.Models", 1, 0, "SnippetsModel");
+    qmlRegisterType<SystemFont>("Lorvane.Models", 1, 0, "SystemFont");
     addImportPath(u"qrc:/qt/qml"_qs);
     addImageProvider(u"shadow"_qs, new ShadowProvider);
     addImageProvider(u"symbol"_qs, new SymbolProvider);
