@@ -25,28 +25,15 @@ namespace {
 
 using Results = std::vector<SpeechAnalysisResult>;
 
-/// The errors of the whole, block by block: a block ends where a stretch ends between two parts.
+/// The errors of the whole. A stretch may end within a part, so all is compared at once.
 WordErrors errorsOf(const Results &results, const std::vector<Part> &parts) {
-    constexpr double margin = 1.2; // a stretch ends a little within the pause, or the next part
-    WordErrors errors;
     QStringList said;
+    for (const Part &part : parts)
+        said += spokenWords(part.clip->transcript);
     QStringList heard;
-    std::size_t next = 0;
-    for (std::size_t i = 0; i < results.size(); ++i) {
-        heard += spokenWords(results[i].text);
-        const double end = results[i].start + results[i].duration;
-        const double following = i + 1 < results.size() ? results[i + 1].start : parts.back().end;
-        for (; next < parts.size() && (parts[next].start + parts[next].end) / 2 < end; ++next)
-            said += spokenWords(parts[next].clip->transcript);
-        const bool isBetween = next == parts.size() || (parts[next - 1].end < end + margin &&
-                                                        parts[next].start > following - margin);
-        if (isBetween || i + 1 == results.size()) {
-            errors += wordErrors(said, heard);
-            said.clear();
-            heard.clear();
-        }
-    }
-    return errors;
+    for (const SpeechAnalysisResult &result : results)
+        heard += spokenWords(result.text);
+    return wordErrors(said, heard);
 }
 
 /// The errors of the parts, each heard alone by the model.
