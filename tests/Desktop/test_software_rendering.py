@@ -27,7 +27,9 @@ class SoftwareRendering(unittest.TestCase):
             for variable in variables:
                 del os.environ[variable]
             lorvane.press("Settings")
-            until(lambda: lorvane.window.find("Open setup guide"), 3, "the Settings page")
+            button = until(lambda: lorvane.window.find("Open setup guide"), 3, "the Settings page")
+            # A window is black until its first frame, which is long in coming by OpenGL.
+            until(lambda: min(self.colour(*button.extents())) > 200, 10, "the first frame")
             pictures[name] = self.still_picture(session, name)
             session.end(lorvane.process)
 
@@ -38,6 +40,13 @@ class SoftwareRendering(unittest.TestCase):
             difference = float(re.search(r"\(([\d.e-]+)\)", result.stderr)[1])
             print(f"Figure: picture of “{name}” differs from OpenGL's by {difference:.5f}")
             self.assertLess(difference, DIFFERENCE, name)
+
+    @staticmethod
+    def colour(left, top, _width, height):
+        """Within the edge of a button."""
+        return subprocess.run(["import", "-silent", "-window", "root", "-crop",
+                               f"1x1+{left + 6}+{top + height // 2}", "-depth", "8", "rgb:-"],
+                              capture_output=True, check=True).stdout
 
     def still_picture(self, session, name):
         last = None
