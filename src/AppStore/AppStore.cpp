@@ -26,6 +26,7 @@ AppStore::AppStore(const Ports &ports, QObject *parent)
       hotkey_(ports.hotKey),
       recordingOverlay_(ports.screens, ports.overlayPanel) {
     loadLibrary();
+    reportUserDefaults();
     observeWorkspace();
     observeTranscriber();
     observeLibrary();

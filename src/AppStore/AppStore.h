@@ -196,6 +196,7 @@ private:
     void save();
 
     // AppStoreSetup.cpp
+    void reportUserDefaults();
     void presentSetup(SetupStep step);
     Async<> askForMicrophone();
     Async<> askForSpeech();

@@ -25,6 +25,16 @@ QString speechPermission(int status) {
 
 } // namespace
 
+// A library that can't be read is the graver matter.
+void AppStore::reportUserDefaults() {
+    const QString error = ports_.userDefaults.readError();
+    if (error.isNull() || !errorMessage_.isNull())
+        return;
+    setErrorMessage(u"Could not load the state of setup: "_s + error +
+                    u" Saving it is disabled to preserve the existing file. "
+                    "See README for recovery."_s);
+}
+
 void AppStore::setSetupStepNumber(int step) {
     const bool known = step >= static_cast<int>(SetupStep::welcome) &&
                        step <= static_cast<int>(SetupStep::practice);

@@ -57,6 +57,22 @@ TEST_F(AppLifecycleTest, LibraryThatCannotBeReadIsNeverOverwritten) {
     EXPECT_EQ(libraryBytes(), bytes);
 }
 
+TEST_F(AppLifecycleTest, UserDefaultsThatCannotBeReadAreToldOfUnlessTheLibraryCannotEither) {
+    ports.userDefaults.values.clear();
+    ports.userDefaults.error = u"“lorvane.conf” is not a settings file."_s;
+    makeStore();
+    EXPECT_EQ(store->errorMessage(),
+              u"Could not load the state of setup: “lorvane.conf” is not a settings file. Saving "
+              "it is disabled to preserve the existing file. See README for recovery."_s);
+    EXPECT_TRUE(store->isSetupPresented());
+    store->finishSetup();
+    EXPECT_FALSE(store->isSetupPresented());
+
+    writeLibrary("rubbish");
+    makeStore();
+    EXPECT_TRUE(store->errorMessage().startsWith(u"Could not load the library: "));
+}
+
 TEST_F(AppLifecycleTest, LibraryIsTakenOverWhole) {
     AppSnapshot saved;
     saved.history = {{QUuid::createUuid(), QDateTime({2026, 3, 1}, {8, 0}, Qt::UTC), u"one"_s, 2}};

@@ -1,10 +1,14 @@
 #include "Fakes/FakeUserDefaults.h"
 #include "Platform/Linux/QtUserDefaults.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <sys/stat.h>
 
 namespace lorvane {
 namespace {
@@ -32,6 +36,12 @@ using Stores = testing::Types<InMemory, OnDisk>;
 TYPED_TEST_SUITE(UserDefaultsTest, Stores);
 
 TYPED_TEST(UserDefaultsTest, AMissingKeyIsFalse) { EXPECT_FALSE(this->defaults.boolean(key)); }
+
+TYPED_TEST(UserDefaultsTest, AStoreThatIsNotThereYetIsNoError) {
+    EXPECT_EQ(this->defaults.readError(), QString());
+    this->defaults.setBoolean(key, true);
+    EXPECT_EQ(this->defaults.readError(), QString());
+}
 
 TYPED_TEST(UserDefaultsTest, AValueIsKept) {
     this->defaults.setBoolean(key, true);
@@ -67,6 +77,51 @@ TEST(QtUserDefaultsTest, AStoreThatCannotBeWrittenKeepsTheValueForThisRun) {
     QtUserDefaults defaults(folder.filePath(QStringLiteral("blocked/lorvane.conf")));
     defaults.setBoolean(key, true);
     EXPECT_TRUE(defaults.boolean(key));
+}
+
+/// What may lie in the place of the file, each under its name.
+void makeUnreadable(const QString &folder) {
+    const auto write = [&folder](const QString &name, const QByteArray &bytes) {
+        QFile file(folder + u'/' + name);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    };
+    write(QStringLiteral("json"), "{ \"theme\": \"dark\" }\n");
+    write(QStringLiteral("no section"), "[General\nLorvane.didCompleteSetup\n");
+    write(QStringLiteral("half"), "[General]\nLorvane.didCompleteSetup=true\n%%%\n");
+    QDir(folder).mkdir(QStringLiteral("folder"));
+    ASSERT_EQ(mkfifo(QFile::encodeName(folder + QStringLiteral("/pipe")).constData(), 0600), 0);
+    QFile::link(QStringLiteral("circle"), folder + QStringLiteral("/circle"));
+}
+
+TEST(QtUserDefaultsTest, AFileThatCannotBeReadIsToldOfAndStaysAsItIs) {
+    const QTemporaryDir folder;
+    makeUnreadable(folder.path());
+    const auto contents = [](const QString &path) {
+        QFile file(path);
+        return QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly) ? file.readAll()
+                                                                          : QByteArray();
+    };
+    const QStringList names =
+        QDir(folder.path()).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
+    ASSERT_EQ(names.size(), 6);
+    for (const QString &name : names) {
+        SCOPED_TRACE(name.toStdString());
+        const QString path = folder.filePath(name);
+        const QByteArray before = contents(path);
+        {
+            QtUserDefaults defaults(path);
+            EXPECT_TRUE(defaults.readError().startsWith(u"“%1” "_qs.arg(path)))
+                << defaults.readError().toStdString();
+            EXPECT_FALSE(defaults.boolean(key));
+            defaults.setBoolean(key, true);
+            EXPECT_TRUE(defaults.boolean(key));
+        }
+        EXPECT_EQ(contents(path), before);
+    }
+    // Nor has anything been put beside them.
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot),
+              names);
 }
 
 } // namespace

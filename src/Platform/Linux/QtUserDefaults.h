@@ -2,7 +2,10 @@
 
 #include "Platform/UserDefaults.h"
 
+#include <QHash>
 #include <QSettings>
+
+#include <optional>
 
 namespace lorvane {
 
@@ -17,9 +20,12 @@ public:
 
     bool boolean(const QString &key) const override;
     void setBoolean(const QString &key, bool value) override;
+    QString readError() const override { return readError_; }
 
 private:
-    QSettings settings_;
+    std::optional<QSettings> settings_; ///< absent when the file can't be read
+    QString readError_;
+    QHash<QString, bool> values_; ///< what was set in this run
 };
 
 } // namespace lorvane
