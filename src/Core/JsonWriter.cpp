@@ -9,7 +9,7 @@ namespace lorvane {
 namespace {
 
 /// Larger pieces than the usual 64 KiB: a large library is then written a sixth faster.
-constexpr std::size_t bufferSize = 256 * 1024;
+constexpr std::size_t bufferSize = 256U << 10;
 
 constexpr char hexDigits[] = "0123456789abcdef";
 

@@ -1,16 +1,11 @@
 #include "Core/RegularExpression.h"
 
+#include "Core/IcuText.h"
+
 #include <unicode/uregex.h>
 
 namespace lorvane {
 namespace {
-
-const UChar *units(QStringView text) {
-    static constexpr UChar none = 0;
-    return text.isEmpty() ? &none : text.utf16();
-}
-
-int32_t length(QStringView text) { return static_cast<int32_t>(text.size()); }
 
 QString escaped(QStringView literal, bool (*isSpecial)(char16_t)) {
     QString result;

@@ -1,5 +1,7 @@
 #include "Core/Text.h"
 
+#include "Core/IcuText.h"
+
 #include <unicode/normalizer2.h>
 #include <unicode/ubrk.h>
 #include <unicode/uchar.h>
@@ -12,14 +14,6 @@
 
 namespace lorvane {
 namespace {
-
-// A QString and an ICU string are the same memory, under two names of the same type.
-const UChar *units(QStringView text) {
-    static constexpr UChar none = 0;
-    return text.isEmpty() ? &none : text.utf16();
-}
-
-int32_t length(QStringView text) { return static_cast<int32_t>(text.size()); }
 
 bool isAscii(QStringView text) {
     return std::all_of(text.begin(), text.end(), [](QChar unit) { return unit.unicode() < 0x80; });

@@ -96,9 +96,10 @@ private:
     Async<QString> transcribeRecording(Self self, std::shared_ptr<AudioRecording> recording,
                                        std::shared_ptr<SpeechRecognizer> recognizer,
                                        double duration, QString captureError, QUuid session);
-    Async<std::optional<QString>> transcribeWhole(std::shared_ptr<AudioRecording> recording,
-                                                  std::shared_ptr<SpeechRecognizer> recognizer,
-                                                  double duration, QUuid session);
+    Async<std::optional<QString>>
+    transcribeWhole(const std::shared_ptr<AudioRecording> &recording,
+                    const std::shared_ptr<SpeechRecognizer> &recognizer, double duration,
+                    QUuid session);
     Async<std::optional<QString>> transcribeInChunks(std::shared_ptr<AudioRecording> recording,
                                                      std::shared_ptr<SpeechRecognizer> recognizer,
                                                      double duration, QUuid session,

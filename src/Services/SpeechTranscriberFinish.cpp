@@ -27,7 +27,8 @@ double durationOf(AudioFile &files, const QString &url, double fallback) {
 
 Async<> nextTurn(Clock &clock) {
     using Nothing = std::monostate;
-    co_await suspend<Nothing>(clock, [](Continuation<Nothing> caller) { caller.resume({}); });
+    co_await suspend<Nothing>(clock,
+                              [](const Continuation<Nothing> &caller) { caller.resume({}); });
 }
 
 QList<TranscribedWord> shifted(QList<TranscribedWord> words, double seconds) {
@@ -132,9 +133,9 @@ Async<QString> SpeechTranscriber::transcribeRecording(Self self,
 
 /// None where no model for whole files is installed.
 Async<std::optional<QString>>
-SpeechTranscriber::transcribeWhole(std::shared_ptr<AudioRecording> recording,
-                                   std::shared_ptr<SpeechRecognizer> recognizer, double duration,
-                                   QUuid session) {
+SpeechTranscriber::transcribeWhole(const std::shared_ptr<AudioRecording> &recording,
+                                   const std::shared_ptr<SpeechRecognizer> &recognizer,
+                                   double duration, QUuid session) {
     LongFormFileRecognition::OnUpdate onUpdate = [self = Self(this), session](const QString &text) {
         if (self && self->sessionID_ == session)
             self->publish(self->transcript_, text);

@@ -14,7 +14,7 @@ namespace {
 using namespace std::chrono_literals;
 
 /// From the start of one transcription to that of the next, if it doesn't take longer itself.
-constexpr auto interval = 500ms;
+constexpr auto updateInterval = 500ms;
 /// The share of its time that the worker rests after a transcription, to stay below one core.
 constexpr int restingShare = 4;
 
@@ -67,7 +67,7 @@ void LiveRecognition::work(std::stop_source &stop) {
     if (cancellation_.stop_requested())
         return;
     const auto end = worker_.now();
-    schedule(std::max(start + interval, end + (end - start) / restingShare));
+    schedule(std::max(start + updateInterval, end + (end - start) / restingShare));
 }
 
 void LiveRecognition::listen(const std::stop_token &stop) {

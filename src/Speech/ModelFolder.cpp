@@ -53,7 +53,8 @@ ModelFolder ModelFolder::read(const QString &path) {
     };
 
     ModelFolder model;
-    for (const QJsonValue &language : manifest[u"languages"].toArray())
+    const QJsonArray languages = manifest[u"languages"].toArray();
+    for (const auto &language : languages)
         model.languages.append(language.toString());
     model.tokens = checkedFile(manifest[u"tokens"]);
     const QJsonObject sizes = manifest[u"sizes"].toObject();

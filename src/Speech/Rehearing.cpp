@@ -32,7 +32,8 @@ double placeToDivide(std::span<const float> samples, VoiceSpan stretch) {
             weakest = i;
         }
     }
-    return static_cast<double>(weakest + momentSamples / 2) / SpeechModel::sampleRate;
+    const std::size_t middle = weakest + momentSamples / 2;
+    return static_cast<double>(middle) / SpeechModel::sampleRate;
 }
 
 } // namespace

@@ -1,17 +1,13 @@
 #include "Speech/StretchCutter.h"
 
+#include "Speech/StretchLimits.h"
+
 #include <algorithm>
 
 namespace lorvane {
 
 namespace {
 
-// The detector comes late on soft sounds.
-constexpr double marginBefore = 0.4;
-constexpr double marginAfter = 0.5;
-
-/// A pause in which the model may lose the thread, and which costs time: it always ends a stretch.
-constexpr double longestPause = 4;
 /// From this length on a stretch ends at the next pause that is as long as between sentences: a
 /// model that hears several speakers or subjects at once makes more errors. See docs/recogniser.md.
 constexpr double fullStretch = 3;
@@ -19,8 +15,6 @@ constexpr double sentencePause = 0.8;
 /// At this length it has to be cut, at the widest pause or else at the weakest moment.
 constexpr double longestStretch = 30;
 constexpr double shortestStretch = 5;
-constexpr double earliestCut = 20;
-constexpr double latestCut = 28;
 
 /// So much is kept of a silence: a voice that begins may not have lasted long enough yet.
 constexpr double beginning = 1;

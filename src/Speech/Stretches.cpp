@@ -1,27 +1,20 @@
 #include "Speech/Stretches.h"
 
+#include "Speech/StretchLimits.h"
+
 #include <algorithm>
 
 namespace lorvane {
 
 namespace {
 
-// The detector comes late on soft sounds.
-constexpr double marginBefore = 0.4;
-constexpr double marginAfter = 0.5;
-
-/// A pause in which the model may lose the thread, and which costs time.
-constexpr double longestPause = 4;
 /// A whole chunk of a recording stays in one piece.
-constexpr double longestStretch = 32.5;
-/// Where a longer voice without a pause is cut.
-constexpr double earliestCut = 20;
-constexpr double latestCut = 28;
+constexpr double longestPiece = 32.5;
 
 /// Cuts a voice that goes on for too long where it is weakest.
 void appendCut(VoiceSpan span, std::span<const float> probabilities,
                std::vector<VoiceSpan> &spans) {
-    while (span.end - span.start > longestStretch) {
+    while (span.end - span.start > longestPiece) {
         const auto window = [&](double seconds) {
             return probabilities.begin() +
                    static_cast<std::ptrdiff_t>((span.start + seconds) /
@@ -46,7 +39,7 @@ std::vector<VoiceSpan> planStretches(std::span<const float> probabilities, doubl
     std::vector<VoiceSpan> stretches;
     for (const VoiceSpan &span : spans) {
         if (!stretches.empty() && span.start - stretches.back().end < longestPause &&
-            span.end - stretches.back().start < longestStretch)
+            span.end - stretches.back().start < longestPiece)
             stretches.back().end = span.end;
         else
             stretches.push_back(span);

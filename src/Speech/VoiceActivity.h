@@ -48,7 +48,7 @@ private:
 
     VoiceActivityModel &model_;
     std::array<float, contextSize + windowSize> window_{}; ///< begins with the end of the last one
-    std::array<float, 2 * 128> state_{};
+    std::array<float, 256> state_{};                       ///< of two layers
     std::vector<float> probabilities_;
 };
 

@@ -114,7 +114,7 @@ TEST(LibraryDecoding, KeepsPlainUtf8AsItIs) {
 }
 
 TEST(LibraryDecoding, KeepsAByteOrderMarkInsideAString) {
-    const QString mark(QChar(QChar::ByteOrderMark));
+    const QString mark = QChar(QChar::ByteOrderMark);
     EXPECT_EQ(scratchpad('"' + (mark + mark + u'a').toUtf8() + '"'), mark + mark + u'a');
     EXPECT_EQ(scratchpad("\"\\n" + mark.toUtf8() + '"'), u'\n' + mark);
 }

@@ -280,7 +280,7 @@ TEST_F(LibraryFile, MayHaveANameOfAnyScript) {
 class UserData : public LibraryFile {
 protected:
     UserData() : old_(qgetenv("XDG_DATA_HOME")) {}
-    ~UserData() override {
+    void TearDown() override {
         if (old_.isNull())
             qunsetenv("XDG_DATA_HOME");
         else

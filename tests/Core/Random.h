@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <iostream>
+#include <iterator>
 #include <random>
 
 namespace lorvane {
@@ -27,7 +28,7 @@ public:
 
     template <typename List>
     auto one(const List &list) {
-        return list[number(0, static_cast<int>(list.size()) - 1)];
+        return *std::next(list.begin(), number(0, static_cast<int>(list.size()) - 1));
     }
 
     /// Up to `longest` pieces of every kind that Unicode has, unpaired surrogates and NUL too.

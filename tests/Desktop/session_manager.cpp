@@ -129,6 +129,7 @@ int main(int argc, char **argv) {
 
     while (true) {
         std::vector<pollfd> watched;
+        watched.reserve(static_cast<std::size_t>(count) + connections.size());
         for (int i = 0; i < count; ++i)
             watched.push_back({IceGetListenConnectionNumber(listeners[i]), POLLIN, 0});
         const std::vector<IceConn> open = connections;

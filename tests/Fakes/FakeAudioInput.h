@@ -106,7 +106,8 @@ private:
         if (!isSlow)
             co_return;
         co_await suspend<std::monostate>(
-            clock_, [this](Continuation<std::monostate> caller) { waiting_.push_back(caller); });
+            clock_,
+            [this](const Continuation<std::monostate> &caller) { waiting_.push_back(caller); });
     }
 
     int channelCount() const { return startedFormat ? startedFormat->channelCount : 1; }

@@ -72,11 +72,12 @@ private:
     }
 
     Async<bool> show(Prompt &prompt, std::optional<bool> answer) {
-        const bool isAllowed = co_await suspend<bool>(clock_, [&](Continuation<bool> caller) {
-            prompt.standing = caller;
-            if (answer)
-                caller.resume(*answer);
-        });
+        const bool isAllowed =
+            co_await suspend<bool>(clock_, [&](const Continuation<bool> &caller) {
+                prompt.standing = caller;
+                if (answer)
+                    caller.resume(*answer);
+            });
         prompt.standing.reset();
         co_return isAllowed;
     }

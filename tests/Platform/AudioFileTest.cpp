@@ -260,7 +260,8 @@ TEST_F(SndfileAudioFileTest, WhatAKilledProcessHasWrittenReadsBack) {
         ASSERT_EQ(reader->length(), buffers * 2048);
         const auto all = readAll(*reader);
         for (int i = 0; i < buffers; ++i)
-            EXPECT_TRUE(std::equal(samples.begin(), samples.end(), all.begin() + i * 4096));
+            EXPECT_TRUE(
+                std::equal(samples.begin(), samples.end(), all.begin() + i * std::ptrdiff_t(4096)));
     }
 }
 

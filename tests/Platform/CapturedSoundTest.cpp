@@ -24,11 +24,11 @@ public:
     explicit Count(const PrivateSound &sound) {
         QFile file(folder_.filePath(QStringLiteral("count")));
         file.open(QIODevice::WriteOnly);
-        std::vector<float> samples;
-        for (int i = 0; i < period; ++i)
-            samples.push_back(step(i));
+        std::vector<float> samples(period);
+        for (std::size_t i = 0; i < samples.size(); ++i)
+            samples[i] = step(qint64(i));
         file.write(reinterpret_cast<const char *>(samples.data()),
-                   qint64(samples.size() * sizeof(float)));
+                   qint64(samples.size()) * qint64(sizeof(float)));
         file.close();
         const QString play =
             QStringLiteral("while cat %1; do :; done | exec pacat -s %2 -d virtmic --raw "

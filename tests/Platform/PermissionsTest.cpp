@@ -31,11 +31,12 @@ struct User {
 
     Async<bool> ask(QString question) {
         questions.append(question);
-        const bool isAllowed = co_await suspend<bool>(clock, [this](Continuation<bool> caller) {
-            standing = caller;
-            if (answer)
-                caller.resume(*answer);
-        });
+        const bool isAllowed =
+            co_await suspend<bool>(clock, [this](const Continuation<bool> &caller) {
+                standing = caller;
+                if (answer)
+                    caller.resume(*answer);
+            });
         co_return isAllowed;
     }
 };

@@ -16,7 +16,7 @@ using testing::Each;
 TEST_F(PulseAudioInputTest, BuffersHave2048FramesButForTheLastOne) {
     Ear ear;
     await(input.start(mono, ear.tap(), nobody()));
-    ASSERT_TRUE(waitUntil([&] { return ear.frames() >= 10 * 2048; }));
+    ASSERT_TRUE(waitUntil([&] { return ear.frames() >= qint64(10) * 2048; }));
     input.stop();
     auto sizes = ear.sizes();
     EXPECT_LE(sizes.back(), 2048);
@@ -27,7 +27,7 @@ TEST_F(PulseAudioInputTest, BuffersHave2048FramesButForTheLastOne) {
 TEST_F(PulseAudioInputTest, TheAudioThreadDoesNotAllocate) {
     Ear ear;
     await(input.start(mono, ear.tap(), nobody()));
-    ASSERT_TRUE(waitUntil([&] { return ear.frames() >= 20 * 2048; }));
+    ASSERT_TRUE(waitUntil([&] { return ear.frames() >= qint64(20) * 2048; }));
     input.stop();
     auto allocations = ear.allocations();
     allocations.pop_back(); // the last one comes from the main thread
@@ -141,7 +141,7 @@ TEST_F(PulseAudioInputTest, NoFrameIsLostOrDoubledBetweenBuffers) {
     Ear second;
     await(input.start(mono, first.tap(), nobody()));
     await(other.start(mono, second.tap(), nobody()));
-    ASSERT_TRUE(waitUntil([&] { return second.frames() >= 3 * 48000; }));
+    ASSERT_TRUE(waitUntil([&] { return second.frames() >= qint64(3) * 48000; }));
     input.stop();
     other.stop();
     const auto a = first.heard();

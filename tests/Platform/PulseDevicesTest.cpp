@@ -130,7 +130,7 @@ TEST_F(PulseAudioInputTest, ARecordingStaysWithItsMicrophoneWhenAnotherBecomesTh
     sound.control(QStringLiteral("set-default-source other"));
     ASSERT_TRUE(waitUntil([&] { return await(input.format()) == AudioFormat{48000, 2}; }));
     const qint64 before = ear.frames();
-    ASSERT_TRUE(waitUntil([&] { return ear.frames() >= before + 3 * 2048; }));
+    ASSERT_TRUE(waitUntil([&] { return ear.frames() >= before + qint64(3) * 2048; }));
     input.stop();
     EXPECT_FALSE(hasEnded);
     const auto heard = ear.heard();
@@ -167,7 +167,7 @@ TEST_F(PulseAudioInputTest, ARecordingGoesOnAfterAServerThatHungForAWhile) {
     waitFor(300ms);
     const qint64 before = ear.frames();
     sound.goOn();
-    EXPECT_TRUE(waitUntil([&] { return ear.frames() >= before + 4 * 2048; }));
+    EXPECT_TRUE(waitUntil([&] { return ear.frames() >= before + qint64(4) * 2048; }));
     EXPECT_FALSE(hasEnded);
     input.stop();
 }

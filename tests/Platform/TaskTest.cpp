@@ -91,7 +91,7 @@ Async<bool> nestedIsCancelled() { co_return co_await isCancelled(); }
 
 Async<int> suspendFor(Clock &clock, std::optional<Continuation<int>> &continuation) {
     const int value = co_await suspend<int>(
-        clock, [&continuation](Continuation<int> given) { continuation = given; });
+        clock, [&continuation](const Continuation<int> &given) { continuation = given; });
     co_return value;
 }
 
@@ -339,7 +339,8 @@ TEST_F(TaskTest, AContinuationResumesInATurnOfItsOwn) {
     EXPECT_TRUE(task.isDone());
 
     const auto atOnce = [](Clock &time) -> Async<int> {
-        const int value = co_await suspend<int>(time, [](Continuation<int> c) { c.resume(4); });
+        const int value =
+            co_await suspend<int>(time, [](const Continuation<int> &c) { c.resume(4); });
         co_return value;
     };
     const auto resumedInside = Task<int>::run(atOnce(clock));
@@ -351,7 +352,7 @@ TEST_F(TaskTest, AContinuationResumesInATurnOfItsOwn) {
 TEST_F(TaskTest, TheValueOfAContinuationIsMovedAndDestroyedOnce) {
     const auto wait = [](Clock &time, std::optional<Continuation<Counted>> &out) -> Async<int> {
         const Counted held(40);
-        auto setUp = [&out, held](Continuation<Counted> c) { out = c; };
+        auto setUp = [&out, held](const Continuation<Counted> &c) { out = c; };
         const Counted counted = co_await suspend<Counted>(time, std::move(setUp));
         co_return counted.value + held.value;
     };
@@ -368,7 +369,7 @@ TEST_F(TaskTest, OneOfManyThreadsResumesAndTheTaskGoesOnOnTheMainThread) {
     const auto run = [](Clock &time, std::optional<Continuation<int>> &out,
                         std::thread::id &resumedOn) -> Async<int> {
         const int value =
-            co_await suspend<int>(time, [&out](Continuation<int> given) { out = given; });
+            co_await suspend<int>(time, [&out](const Continuation<int> &given) { out = given; });
         resumedOn = std::this_thread::get_id();
         co_return value;
     };

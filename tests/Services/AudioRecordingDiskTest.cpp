@@ -25,8 +25,6 @@ using namespace Qt::StringLiterals;
 namespace lorvane {
 namespace {
 
-constexpr qsizetype bufferFrames = 2048;
-
 class AudioRecordingDiskTest : public testing::Test {
 protected:
     QTemporaryDir folder;

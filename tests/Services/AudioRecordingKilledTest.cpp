@@ -26,8 +26,6 @@ using namespace Qt::StringLiterals;
 namespace lorvane {
 namespace {
 
-constexpr qsizetype bufferFrames = 2048;
-
 /// The kernel kills this process after so many microseconds, wherever it is then.
 void dieAfter(long microseconds) {
     sigevent event{};

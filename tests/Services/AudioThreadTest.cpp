@@ -15,6 +15,7 @@
 #include <QElapsedTimer>
 #include <QTimer>
 
+#include <cmath>
 #include <span>
 #include <thread>
 
@@ -24,7 +25,6 @@ using namespace std::chrono_literals;
 namespace lorvane {
 namespace {
 
-constexpr qsizetype bufferFrames = 2048;
 constexpr AudioFormat stereo{48000, 2};
 
 /// Gives real live requests and never says a word.
@@ -196,7 +196,7 @@ TEST_F(AudioThreadTest, EveryBufferReachesTheFileAndOneOfTheRequestsThatAreSwapp
         if (heard.empty())
             continue;
         if (next < 0) // the first was swapped in after some buffers
-            next = qint64(heard.front() * float(1 << 20) + 0.5F);
+            next = std::lround(heard.front() * float(1 << 20));
         const std::vector<float> copy(heard.begin(), heard.end());
         EXPECT_EQ(CountedSound::framesFrom(next, copy, 1), qint64(copy.size()));
         next += qint64(copy.size());

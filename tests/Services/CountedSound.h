@@ -8,6 +8,9 @@
 
 namespace lorvane {
 
+/// As many frames as the audio thread gets at a time.
+constexpr qsizetype bufferFrames = 2048;
+
 /// A signal whose every sample tells its frame and its channel, to see what is lost or doubled.
 class CountedSound {
 public:

@@ -349,7 +349,7 @@ private:
                 ports.audioInput.startError = u"busy"_s;
             break;
         case 4: askAgain(); break;
-        case 5: answerPrompts(); break;
+        case 5:
         case 6: answerPrompts(); break;
         case 7:
             if (random.number(0, 9) == 0)

@@ -33,9 +33,12 @@ void operator delete(void *memory, std::size_t) noexcept { std::free(memory); }
 // These stand before those of the C library, for all libraries of the process.
 extern "C" {
 
+// The C library's own names for its own.
+// NOLINTBEGIN(bugprone-reserved-identifier)
 void *__libc_malloc(std::size_t size);
 void *__libc_calloc(std::size_t count, std::size_t size);
 void *__libc_realloc(void *memory, std::size_t size);
+// NOLINTEND(bugprone-reserved-identifier)
 
 void *malloc(std::size_t size) {
     ++allocationCount;

@@ -32,7 +32,8 @@ public:
     };
 
     void start(
-        SpeechAnalyzer &analyzer, const QString &path, std::function<void()> onResult = [] {}) {
+        SpeechAnalyzer &analyzer, const QString &path,
+        const std::function<void()> &onResult = [] {}) {
         analyzer.start(
             path,
             [state = state_, onResult](const SpeechAnalysisResult &result) {

@@ -11,7 +11,7 @@
 namespace lorvane {
 namespace {
 
-constexpr std::size_t longest = 3 * SpeechModel::sampleRate;
+constexpr std::size_t longest = std::size_t{3} * SpeechModel::sampleRate;
 
 /// A recording without what stands before and after its voice, but for a margin in seconds.
 std::vector<float> trimmed(const std::vector<float> &samples, double margin) {

@@ -172,7 +172,7 @@ TEST_F(FollowedRecordingTest, NoticesThatTheFileIsAnother) {
     write(20);
     EXPECT_FALSE(analysis->isOf(*audioFile_.openForReading(path_), {}));
     writer_.reset();
-    audioFile_.openForWriting(path_, {rate, 1})->write({samples_.data(), 30 * rate, 1});
+    audioFile_.openForWriting(path_, {rate, 1})->write({samples_.data(), qsizetype(30) * rate, 1});
     EXPECT_FALSE(analysis->isOf(*audioFile_.openForReading(path_), {}));
 }
 

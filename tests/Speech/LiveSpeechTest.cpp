@@ -12,7 +12,8 @@
 namespace lorvane {
 namespace {
 
-constexpr int sampleRate = 48000;
+constexpr int captureRate = 48000;
+constexpr std::size_t tenSeconds = std::size_t{10} * captureRate;
 
 /// Feeds a request as the audio thread does, in buffers of 2048 frames.
 void feed(SpeechBufferRequest &request, std::span<const float> samples) {
@@ -27,7 +28,7 @@ void feed(SpeechBufferRequest &request, std::span<const float> samples) {
 class LiveSpeechTest : public testing::Test {
 protected:
     void SetUp() override {
-        request_ = englishRecognizer().makeBufferRequest({sampleRate, 1}, SpeechOptions());
+        request_ = englishRecognizer().makeBufferRequest({captureRate, 1}, SpeechOptions());
         task_ = englishRecognizer().recognize(request_, listener_.handler());
     }
 
@@ -37,7 +38,7 @@ protected:
     }
 
     // "You cannot reply to this message because the sender does not have a mailbox."
-    const std::vector<float> voice_ = decodedAudio(promptPath(u"vm-nobox"_qs), sampleRate);
+    const std::vector<float> voice_ = decodedAudio(promptPath(u"vm-nobox"_qs), captureRate);
     SpeechListener listener_;
     std::shared_ptr<SpeechBufferRequest> request_;
     std::unique_ptr<SpeechTask> task_;
@@ -49,7 +50,7 @@ TEST_F(LiveSpeechTest, ReportsTheTextSoFarWhileTheVoiceGoesOn) {
     ASSERT_TRUE(waitForText(u"cannot reply"_qs));
     EXPECT_FALSE(listener_.heard().text().contains(u"mailbox"_qs));
     feed(*request_, voice.subspan(voice.size() / 2));
-    feed(*request_, std::vector<float>(sampleRate));
+    feed(*request_, std::vector<float>(captureRate));
     ASSERT_TRUE(waitForText(u"mailbox"_qs));
     const SpeechListener::Heard heard = listener_.heard();
     EXPECT_GE(heard.results.size(), 2U);
@@ -64,7 +65,7 @@ TEST_F(LiveSpeechTest, ReportsTheTextSoFarWhileTheVoiceGoesOn) {
 }
 
 TEST_F(LiveSpeechTest, SaysNothingWhileNobodySpeaks) {
-    feed(*request_, std::vector<float>(10 * sampleRate));
+    feed(*request_, std::vector<float>(tenSeconds));
     feed(*request_, voice_);
     ASSERT_TRUE(waitForText(u"message"_qs));
     for (const SpeechResult &result : listener_.heard().results)
@@ -72,18 +73,18 @@ TEST_F(LiveSpeechTest, SaysNothingWhileNobodySpeaks) {
 }
 
 TEST_F(LiveSpeechTest, InventsNoWordsOnBreathTypingHumAndMusic) {
-    for (const Sound &sound : soundsWithoutVoice(sampleRate)) {
+    for (const Sound &sound : soundsWithoutVoice(captureRate)) {
         SpeechListener listener;
         const auto request =
-            englishRecognizer().makeBufferRequest({sampleRate, 1}, SpeechOptions());
+            englishRecognizer().makeBufferRequest({captureRate, 1}, SpeechOptions());
         const auto task = englishRecognizer().recognize(request, listener.handler());
         feed(*request, sound.samples);
-        feed(*request, std::vector<float>(sampleRate));
+        feed(*request, std::vector<float>(captureRate));
         feed(*request, voice_);
         ASSERT_TRUE(listener.waitFor([](const auto &heard) {
             return heard.text().contains(u"message"_qs);
         })) << sound.name;
-        const double duration = static_cast<double>(sound.samples.size()) / sampleRate;
+        const double duration = static_cast<double>(sound.samples.size()) / captureRate;
         for (const SpeechResult &result : listener.heard().results)
             EXPECT_GT(result.segments.first().timestamp, duration + 0.5)
                 << sound.name << ": " << qPrintable(result.formattedString);
@@ -93,7 +94,7 @@ TEST_F(LiveSpeechTest, InventsNoWordsOnBreathTypingHumAndMusic) {
 TEST_F(LiveSpeechTest, EndsByItselfWithAFinalResultWhenItHasRunForTooLong) {
     feed(*request_, voice_);
     for (int second = 0; second < static_cast<int>(LiveRequest::longest) + 1; ++second)
-        feed(*request_, std::vector<float>(sampleRate));
+        feed(*request_, std::vector<float>(captureRate));
     ASSERT_TRUE(listener_.waitForEnd());
     EXPECT_TRUE(listener_.heard().isFinal());
     EXPECT_TRUE(listener_.heard().text().contains(u"mailbox"_qs));
@@ -112,10 +113,10 @@ TEST_F(LiveSpeechTest, IsOverSoonAfterItsCancellation) {
 TEST_F(LiveSpeechTest, MakesWayForAFileAndGoesOnAfterIt) {
     feed(*request_, voice_);
     ASSERT_TRUE(waitForText(u"reply"_qs));
-    feed(*request_, std::vector<float>(sampleRate));
-    feed(*request_, decodedAudio(promptPath(u"demo-nogo"_qs), sampleRate));
+    feed(*request_, std::vector<float>(captureRate));
+    feed(*request_, decodedAudio(promptPath(u"demo-nogo"_qs), captureRate));
     SpeechListener file;
-    const auto fileTask = englishRecognizer().recognize(writeAudio(voice_, sampleRate),
+    const auto fileTask = englishRecognizer().recognize(writeAudio(voice_, captureRate),
                                                         SpeechOptions(), file.handler());
     ASSERT_TRUE(file.waitForEnd());
     EXPECT_TRUE(file.heard().text().contains(u"mailbox"_qs));
@@ -126,10 +127,10 @@ TEST_F(LiveSpeechTest, GivesTheNextRequestItsOwnText) {
     feed(*request_, voice_);
     ASSERT_TRUE(waitForText(u"message"_qs));
     SpeechListener next;
-    const auto request = englishRecognizer().makeBufferRequest({sampleRate, 1}, SpeechOptions());
+    const auto request = englishRecognizer().makeBufferRequest({captureRate, 1}, SpeechOptions());
     const auto task = englishRecognizer().recognize(request, next.handler());
     task_->cancel();
-    feed(*request, decodedAudio(promptPath(u"demo-nogo"_qs), sampleRate));
+    feed(*request, decodedAudio(promptPath(u"demo-nogo"_qs), captureRate));
     ASSERT_TRUE(
         next.waitFor([](const auto &heard) { return heard.text().contains(u"demonstration"_qs); }));
     EXPECT_FALSE(next.heard().text().contains(u"reply"_qs));

@@ -88,8 +88,9 @@ TEST(Rehearing, LosesLittleAroundAPlaceThatCannotBeHeardAtAll) {
 
 TEST(Rehearing, ComesToAnEndWhereNothingCanBeHeard) {
     std::vector<double> traps;
-    for (double time = 0; time < duration; time += 0.5)
-        traps.push_back(time);
+    traps.reserve(static_cast<std::size_t>(2 * duration));
+    for (int half = 0; half < 2 * duration; ++half)
+        traps.push_back(half / 2.0);
     Script script(traps, 0);
     script.hear(noise());
     EXPECT_LE(script.heard.size(), 40U);

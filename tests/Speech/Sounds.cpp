@@ -76,9 +76,11 @@ std::vector<float> typing(int sampleRate) {
                          0.5 * std::sin(2 * pi * thud * after) * std::exp(-after / 0.015)));
         }
     };
-    for (double time = 0.2; time < 7.8; time += pause(random)) {
+    double time = 0.2;
+    while (time < 7.8) {
         click(time, 0.2, 180 + 100 * pause(random));
         click(time + 0.07, 0.08, 400);
+        time += pause(random);
     }
     return samples;
 }

@@ -106,9 +106,11 @@ TEST(StretchCutter, CutsRandomAudioInOrderAndLeavesNoVoiceOut) {
         std::vector<Part> parts;
         std::exponential_distribution<double> voice(1 / std::pow(4.0, round % 4));
         std::exponential_distribution<double> pause(round % 2 ? 1 : 3);
-        for (double seconds = 0; seconds < 150; seconds += parts.back().seconds) {
+        double seconds = 0;
+        while (seconds < 150) {
             parts.push_back({pause(random), 0.1F});
             parts.push_back({voice(random), 0.9F});
+            seconds += parts.back().seconds;
         }
         const std::vector<float> probabilities = windows(parts);
         const std::vector<VoiceSpan> stretches = cut(probabilities);

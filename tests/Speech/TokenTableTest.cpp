@@ -1,15 +1,11 @@
 #include "Speech/TokenTable.h"
 #include "Core/LocalizedError.h"
+#include "Speech/KnownSentences.h"
 
 #include <gtest/gtest.h>
 
 namespace lorvane {
 namespace {
-
-const TokenTable &table() {
-    static const TokenTable tokens(QStringLiteral(LORVANE_MODELS "/en/tokens.txt"));
-    return tokens;
-}
 
 QString decoded(const std::vector<Token> &tokens) {
     QByteArray utf8;

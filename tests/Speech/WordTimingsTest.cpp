@@ -1,4 +1,5 @@
 #include "Speech/WordTimings.h"
+#include "Speech/KnownSentences.h"
 
 #include <gtest/gtest.h>
 
@@ -19,11 +20,6 @@ Decoding decodingOf(const TokenTable &tokens, const QString &text,
         decoding.attention.insert(decoding.attention.end(), row.begin(), row.end());
     }
     return decoding;
-}
-
-const TokenTable &table() {
-    static const TokenTable tokens(QStringLiteral(LORVANE_MODELS "/en/tokens.txt"));
-    return tokens;
 }
 
 TEST(MonotonePath, FollowsTheAttention) {

@@ -5,11 +5,11 @@
 namespace lorvane {
 namespace {
 
-const QStringList head{
+const QStringList dictionaryHead{
     u"YOUR WORDS, UNDERSTOOD"_qs, u"Dictionary"_qs,
     u"Give names, technical terms, and favorite phrases their proper spelling."_qs,
     u"Search your vocabulary"_qs};
-const QString note =
+const QString dictionaryNote =
     u"Variants help recognition. Name corrections apply when you finish dictating."_qs;
 const QString variantsNote =
     u"Enter spellings Apple Speech actually writes. Sound-alike variants are matched as whole phrases; they are not guessed automatically. Leave variants empty to keep only the preferred spelling."_qs;
@@ -66,11 +66,11 @@ TEST_F(DictionaryPageTest, WithoutEntriesItInvites) {
     open({});
     EXPECT_EQ(
         page(),
-        head +
+        dictionaryHead +
             QStringList(
                 {u"Add name or phrase"_qs, u"Make it your language."_qs,
                  u"Add a preferred name or phrase, then give it the different spellings you see in your transcriptions."_qs,
-                 note}));
+                 dictionaryNote}));
 }
 
 TEST_F(DictionaryPageTest, EntriesStandInTheOrderOfTheAlphabetAndOfNumbers) {
@@ -78,11 +78,11 @@ TEST_F(DictionaryPageTest, EntriesStandInTheOrderOfTheAlphabetAndOfNumbers) {
           {u"v nine"_qs, u"version 9"_qs},
           {u"kube ctl"_qs, u"kubectl"_qs, {u"cube control"_qs, u"cube cuddle"_qs}},
           {u"Ångström"_qs, {}}});
-    EXPECT_EQ(page(), head + QStringList{u"Add name or phrase"_qs} +
+    EXPECT_EQ(page(), dictionaryHead + QStringList{u"Add name or phrase"_qs} +
                           row(u"Ångström"_qs, u"Ångström"_qs) +
                           row(u"kubectl"_qs, u"kube ctl · cube control · cube cuddle"_qs) +
                           row(u"version 9"_qs, u"v nine"_qs) + row(u"Version 10"_qs, u"v ten"_qs) +
-                          QStringList{note});
+                          QStringList{dictionaryNote});
 }
 
 TEST_F(DictionaryPageTest, ASearchLooksAtTheNameAndAllPhrases) {
@@ -95,7 +95,7 @@ TEST_F(DictionaryPageTest, ASearchLooksAtTheNameAndAllPhrases) {
     typeInto(u"Search your vocabulary"_qs, u"sio "_qs);
     EXPECT_EQ(page().mid(4),
               (QStringList{u"Clear search"_qs, u"Add name or phrase"_qs, u"No matching words."_qs,
-                           u"Try another search or add a name."_qs, note}));
+                           u"Try another search or add a name."_qs, dictionaryNote}));
     store->setVocabulary({});
     EXPECT_TRUE(shows(u"No matching words."_qs)) << "also in an empty dictionary";
 }

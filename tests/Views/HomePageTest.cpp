@@ -33,8 +33,8 @@ TEST(HomeModelTest, ABarTakesItsShareOfTheLevel) {
     EXPECT_DOUBLE_EQ(HomeModel::barOpacities().first(), 0.45 + 0.25 * 0.55);
 }
 
-const QStringList head{u"YOUR VOICE, IN WRITING"_qs, u"A little less typing."_qs,
-                       u"Speak naturally. Make room for your next good idea."_qs};
+const QStringList homeHead{u"YOUR VOICE, IN WRITING"_qs, u"A little less typing."_qs,
+                           u"Speak naturally. Make room for your next good idea."_qs};
 const QStringList idleCard{u"Let your words flow."_qs,
                            u"Hold a shortcut. Speak. Release to paste."_qs,
                            u"DICTATION"_qs,
@@ -92,13 +92,13 @@ protected:
 };
 
 TEST_F(HomePageTest, AnEmptyLibraryInvitesToAFirstDictation) {
-    EXPECT_EQ(page(), head + idleCard + none + latest + noThoughts + QStringList{footnote});
+    EXPECT_EQ(page(), homeHead + idleCard + none + latest + noThoughts + QStringList{footnote});
 }
 
 TEST_F(HomePageTest, AHeldShortcutAsksToKeepHolding) {
     hold();
     speak(1s);
-    EXPECT_EQ(page(), below(head + recordingCard(holdHint) + none + latest + noThoughts +
+    EXPECT_EQ(page(), below(homeHead + recordingCard(holdHint) + none + latest + noThoughts +
                             QStringList{footnote}));
 }
 
@@ -107,15 +107,15 @@ TEST_F(HomePageTest, TheLiveTextStandsInTheCardWithoutButtons) {
     speak(1s);
     ports.speech.liveRequests().back()->give(FakeSpeech::result(u"live words"_qs, false));
     clock().runUntilIdle();
-    EXPECT_EQ(page(), below(head + recordingCard(holdHint) + QStringList{u"live words"_qs} + none +
-                            latest + noThoughts + QStringList{footnote}));
+    EXPECT_EQ(page(), below(homeHead + recordingCard(holdHint) + QStringList{u"live words"_qs} +
+                            none + latest + noThoughts + QStringList{footnote}));
 }
 
 TEST_F(HomePageTest, TheButtonStartsAndFinishesARecording) {
     ASSERT_TRUE(activate(u"Start dictation"_qs));
     clock().runUntilIdle();
     EXPECT_TRUE(store->isRecording());
-    EXPECT_EQ(page(), below(head + recordingCard(buttonHint) + none + latest + noThoughts +
+    EXPECT_EQ(page(), below(homeHead + recordingCard(buttonHint) + none + latest + noThoughts +
                             QStringList{footnote}));
 
     speak(1s);
@@ -130,7 +130,8 @@ TEST_F(HomePageTest, CancelThrowsTheRecordingAway) {
     ASSERT_TRUE(activate(u"Cancel"_qs));
     clock().runUntilIdle();
     EXPECT_FALSE(store->isRecording());
-    EXPECT_EQ(page(), below(head + idleCard + none + latest + noThoughts + QStringList{footnote}));
+    EXPECT_EQ(page(),
+              below(homeHead + idleCard + none + latest + noThoughts + QStringList{footnote}));
 }
 
 TEST_F(HomePageTest, WhileTheWordsArePreparedTheButtonIsOutOfUse) {
@@ -139,7 +140,7 @@ TEST_F(HomePageTest, WhileTheWordsArePreparedTheButtonIsOutOfUse) {
     letGo();
     ASSERT_TRUE(store->isBusy());
     EXPECT_EQ(page(),
-              below(head + preparingCard + none + latest + noThoughts + QStringList{footnote}));
+              below(homeHead + preparingCard + none + latest + noThoughts + QStringList{footnote}));
     activate(u"Start dictation"_qs);
     clock().runUntilIdle();
     EXPECT_FALSE(store->isRecording());
@@ -150,7 +151,7 @@ TEST_F(HomePageTest, AFinalTranscriptStandsInPlaceOfTheLatestThought) {
     ASSERT_TRUE(store->hasCompletedTranscript());
     const QString text = store->displayedTranscript();
     const QStringList filled = statistics(u"2"_qs, u"1"_qs, u"1s"_qs);
-    EXPECT_EQ(page(), below(head + idleCard + QStringList{text} + finalButtons + filled +
+    EXPECT_EQ(page(), below(homeHead + idleCard + QStringList{text} + finalButtons + filled +
                             QStringList{footnote}));
 
     ports.pasteboard.setText(u"other"_qs);
@@ -158,7 +159,7 @@ TEST_F(HomePageTest, AFinalTranscriptStandsInPlaceOfTheLatestThought) {
     EXPECT_EQ(ports.pasteboard.text, text);
 
     hold();
-    EXPECT_EQ(page(), below(head + recordingCard(holdHint) + filled + latest +
+    EXPECT_EQ(page(), below(homeHead + recordingCard(holdHint) + filled + latest +
                             thought(store->history().first()) + QStringList{footnote}))
         << "the transcript is no longer a final one";
 }
@@ -170,7 +171,7 @@ TEST_F(HomePageTest, AFinalTranscriptIsNotCopiedWhileItIsDelivered) {
     answer(u"hello there"_qs);
     ASSERT_TRUE(store->hasCompletedTranscript());
     ASSERT_TRUE(store->isBusy()) << "the paste takes its time";
-    EXPECT_EQ(page(), below(head + preparingCard +
+    EXPECT_EQ(page(), below(homeHead + preparingCard +
                             QStringList{store->displayedTranscript(), u"Copy text (out)"_qs,
                                         u"View history"_qs} +
                             statistics(u"2"_qs, u"1"_qs, u"1s"_qs) + QStringList{footnote}));
@@ -193,8 +194,8 @@ TEST_F(HomePageTest, TheNewestRecordIsShownWithItsDateAndWords) {
     }
     store->setHistory(history);
     const TranscriptRecord &newest = store->history().first();
-    EXPECT_EQ(page(), head + idleCard + statistics(u"3,598"_qs, u"1200"_qs, u"60m"_qs) + latest +
-                          thought(newest) + QStringList{footnote})
+    EXPECT_EQ(page(), homeHead + idleCard + statistics(u"3,598"_qs, u"1200"_qs, u"60m"_qs) +
+                          latest + thought(newest) + QStringList{footnote})
         << "the words are grouped, the records aren't";
     EXPECT_TRUE(shows(u"1 words"_qs)) << "always the plural";
     ASSERT_TRUE(activate(u"Copy text"_qs));

@@ -8,6 +8,8 @@
 
 /// Qt Quick's software renderer keeps pictures of closed windows until the process ends. Its stacks
 /// end in Qt: what our own code leaks is still reported.
+/// The name is the sanitizer's.
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
 extern "C" const char *__lsan_default_suppressions() {
     return "leak:libQt6Core.so\nleak:libQt6Gui.so\nleak:libQt6Quick.so\n";
 }

@@ -5,10 +5,11 @@
 namespace lorvane {
 namespace {
 
-const QStringList head{u"SAY A LITTLE. WRITE A LOT."_qs, u"Snippets"_qs,
-                       u"Turn short spoken phrases into the text you find yourself repeating."_qs,
-                       u"Search your snippets"_qs};
-const QString note = u"Dictate a trigger phrase on its own. It expands when you finish."_qs;
+const QStringList snippetsHead{
+    u"SAY A LITTLE. WRITE A LOT."_qs, u"Snippets"_qs,
+    u"Turn short spoken phrases into the text you find yourself repeating."_qs,
+    u"Search your snippets"_qs};
+const QString snippetsNote = u"Dictate a trigger phrase on its own. It expands when you finish."_qs;
 
 Snippet snippet(const QString &trigger, const QString &content) {
     return {.trigger = trigger, .content = content};
@@ -50,17 +51,18 @@ TEST_F(SnippetsPageTest, WithoutSnippetsItInvites) {
     open({});
     EXPECT_EQ(
         page(),
-        head +
+        snippetsHead +
             QStringList(
                 {u"New snippet"_qs, u"A shortcut for your voice."_qs,
                  u"Try a phrase like “my signature” and pair it with your full sign-off. Dictate the phrase on its own to expand it."_qs,
-                 note}));
+                 snippetsNote}));
 }
 
 TEST_F(SnippetsPageTest, SnippetsStandInTheOrderOfTheirTriggers) {
     open({snippet(u"sign off"_qs, u"Kind regards,\nMe"_qs), snippet(u"Address"_qs, u"Here 1"_qs)});
-    EXPECT_EQ(page(), head + QStringList{u"New snippet"_qs} + card(u"Address"_qs, u"Here 1"_qs) +
-                          card(u"sign off"_qs, u"Kind regards,\nMe"_qs) + QStringList{note});
+    EXPECT_EQ(page(),
+              snippetsHead + QStringList{u"New snippet"_qs} + card(u"Address"_qs, u"Here 1"_qs) +
+                  card(u"sign off"_qs, u"Kind regards,\nMe"_qs) + QStringList{snippetsNote});
 }
 
 TEST_F(SnippetsPageTest, ASearchLooksAtTriggerAndContent) {
@@ -71,9 +73,10 @@ TEST_F(SnippetsPageTest, ASearchLooksAtTriggerAndContent) {
     typeInto(u"Search your snippets"_qs, u"addr"_qs);
     EXPECT_TRUE(shows(u"Edit address"_qs));
     typeInto(u"Search your snippets"_qs, u"nothing"_qs);
-    EXPECT_EQ(page().mid(4),
-              (QStringList{u"Clear search"_qs, u"New snippet"_qs, u"No matching snippets."_qs,
-                           u"Try searching for a trigger phrase or part of its text."_qs, note}));
+    EXPECT_EQ(
+        page().mid(4),
+        (QStringList{u"Clear search"_qs, u"New snippet"_qs, u"No matching snippets."_qs,
+                     u"Try searching for a trigger phrase or part of its text."_qs, snippetsNote}));
 }
 
 TEST_F(SnippetsPageTest, ASnippetIsCopiedAndDeletedAtOnce) {

@@ -11,16 +11,17 @@
 namespace lorvane {
 namespace {
 
-constexpr int answerLimit = 200; // in milliseconds
+constexpr int launcherLimit = 200; // in milliseconds
 
 const QString launcher = QStringLiteral("org.a11y.Bus");
-const QString path = QStringLiteral("/org/a11y/bus");
+const QString launcherPath = QStringLiteral("/org/a11y/bus");
 const QString properties = QStringLiteral("org.freedesktop.DBus.Properties");
 const QString status = QStringLiteral("org.a11y.Status");
 const QString isEnabled = QStringLiteral("IsEnabled");
 
 QDBusMessage propertyCall(const QString &method, const QVariantList &arguments) {
-    QDBusMessage message = QDBusMessage::createMethodCall(launcher, path, properties, method);
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(launcher, launcherPath, properties, method);
     message.setArguments(QVariantList{status, isEnabled} + arguments);
     return message;
 }
@@ -29,7 +30,7 @@ QDBusMessage propertyCall(const QString &method, const QVariantList &arguments) 
 
 AccessibilitySwitch::AccessibilitySwitch(QDBusConnection sessionBus)
     : bus_(std::move(sessionBus)), watcher_(launcher, bus_) {
-    bus_.connect(launcher, path, properties, QStringLiteral("PropertiesChanged"), {status},
+    bus_.connect(launcher, launcherPath, properties, QStringLiteral("PropertiesChanged"), {status},
                  QString(), this, SLOT(handleChange(QDBusMessage)));
     connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, this, &AccessibilitySwitch::ask);
     connect(&watcher_, &QDBusServiceWatcher::serviceUnregistered, this, [this] {
@@ -61,7 +62,7 @@ void AccessibilitySwitch::turnOn() {
 void AccessibilitySwitch::ask() {
     QDBusMessage question = propertyCall(QStringLiteral("Get"), {});
     question.setAutoStartService(false);
-    question_ = bus_.asyncCall(question, answerLimit);
+    question_ = bus_.asyncCall(question, launcherLimit);
 }
 
 /// An answer that is still on its way can't know more.

@@ -54,8 +54,8 @@ std::optional<KeyboardMap> KeyboardMap::answer(X11Connection &connection, const 
     auto entry = xcb_xkb_get_map_map_syms_rtrn_iterator(map.get(), &parts);
     for (unsigned int code = map->firstKeySym; entry.rem > 0 && code < 256; ++code) {
         const xcb_keysym_t *const symbols = xcb_xkb_key_sym_map_syms(entry.data);
-        const unsigned int groupCount = entry.data->groupInfo & 0x0f;
-        for (unsigned int group = 0; group < groupCount; ++group)
+        const std::size_t groupCount = entry.data->groupInfo & 0x0f;
+        for (std::size_t group = 0; group < groupCount; ++group)
             result.keys_[code].groups.push_back(symbols[group * entry.data->width]);
         xcb_xkb_key_sym_map_next(&entry);
     }

@@ -7,7 +7,7 @@ namespace lorvane {
 
 Async<bool> PermissionPrompt::ask(QString question) {
     auto show = [this, &question](Continuation<bool> asker) {
-        auto *text = new PermissionQuestion(question, asker);
+        auto *text = new PermissionQuestion(question, std::move(asker));
         QQmlComponent component(&engine_,
                                 QUrl(u"qrc:/qt/qml/Lorvane/Setup/PermissionWindow.qml"_qs));
         auto *window = qobject_cast<QQuickWindow *>(component.createWithInitialProperties(

@@ -3,6 +3,7 @@
 #include "Fakes/FakeWorkspace.h"
 #include "Platform/Linux/ProcessTable.h"
 #include "Platform/Linux/XcbWorkspace.h"
+#include "Platform/X11/FileManager.h"
 #include "Platform/X11/VirtualDesktop.h"
 #include "Platform/X11/X11Client.h"
 
@@ -305,18 +306,6 @@ TEST_F(XcbWorkspaceAddressTest, APageWhoseProgramIsMissingDoesNoHarm) {
     open("Privacy_Microphone");
 }
 
-/// A file manager that writes down what it is asked to show.
-class FileManager final : public QObject {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
-
-public:
-    QStringList shown;
-    Q_SCRIPTABLE void ShowItems(const QStringList &addresses, const QString &) {
-        shown += addresses;
-    }
-};
-
 TEST_F(XcbWorkspaceTest, ShowsAFileInTheFileManager) {
     const QString path = QStringLiteral("/tmp/a file — 1.txt");
     workspace.showFile(path); // nobody is there: no harm
@@ -364,5 +353,3 @@ TEST(XcbWorkspaceWithoutServer, IsNotHeldUpByAStoppedServer) {
 
 } // namespace
 } // namespace lorvane
-
-#include "WorkspaceTest.moc"
