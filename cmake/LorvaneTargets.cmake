@@ -8,7 +8,14 @@ target_compile_definitions(lorvane_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO
 if(LORVANE_SANITIZE)
   target_compile_options(lorvane_options INTERFACE -fsanitize=${LORVANE_SANITIZE}
                                                    -fno-omit-frame-pointer)
+  # What the standard library can check at run time: an empty optional, an index out of range.
+  target_compile_definitions(lorvane_options INTERFACE _GLIBCXX_ASSERTIONS)
   target_link_options(lorvane_options INTERFACE -fsanitize=${LORVANE_SANITIZE})
+endif()
+
+if(CMAKE_UNITY_BUILD)
+  # What is a file's own meets that of others in a batch; the usual builds have these warnings.
+  target_compile_options(lorvane_options INTERFACE -Wno-subobject-linkage -Wno-shadow)
 endif()
 
 # lorvane_library(name SOURCES ... LINKS ... PRIVATE_LINKS ...): one folder of src/. LINKS are the
