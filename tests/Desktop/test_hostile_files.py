@@ -11,6 +11,8 @@ from lorvane_desktop.waiting import until
 NOT_LOADED = "Could not load the library: "
 NOT_SAVED = "Could not save the library: "
 PRESERVED = " Saving is disabled to preserve the existing file. See README for recovery."
+NO_SETUP_STATE = "Could not load the state of setup: "
+PRESERVED_TOO = " Saving it is disabled to preserve the existing file. See README for recovery."
 UNAVAILABLE = ("Speech recognition is unavailable for this language. Try another language or "
                "check your connection.")
 SET_UP = "[General]\nLorvane.didCompleteSetup=true\n"
@@ -86,6 +88,24 @@ class HostileFiles(unittest.TestCase):
                 print(f"{name}: {message.removeprefix(NOT_LOADED).removesuffix(PRESERVED)}")
                 self.quit(lorvane)
                 self.assertEqual(self.state(), before)
+
+    def test_no_user_defaults_are_overwritten_that_cannot_be_read(self):
+        binary = program.with_models(self.session, missing_manifest)  # quick to start and to end
+        for name, make_defaults in hostile.USER_DEFAULTS.items():
+            with self.subTest(user_defaults=name):
+                self.replace_files(f"user defaults {name}")
+                make_defaults(self.defaults)
+                before = hostile.state(self.defaults.parent)
+                lorvane = self.start(binary)
+                if name in hostile.NO_USER_DEFAULTS:
+                    message = lorvane.wait_for(NO_SETUP_STATE)
+                    self.assertIn(str(self.defaults), message)
+                    self.assertTrue(message.endswith(PRESERVED_TOO), message)
+                    lorvane.press("Set up later")
+                else:
+                    self.assertEqual(lorvane.message(), "")
+                self.quit(lorvane)
+                self.assertEqual(hostile.state(self.defaults.parent), before)
 
     def test_what_cannot_be_read_or_written_is_said_and_stays(self):
         root = self.replace_files("closed")

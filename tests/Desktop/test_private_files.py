@@ -49,10 +49,10 @@ class PrivateFiles(unittest.TestCase):
         line, = (line for line in limits.splitlines() if line.startswith("Max core file size"))
         self.assertEqual(line.split()[4], "0", line)
 
-    def test_all_modes_are_closed_under_an_open_and_an_impossible_umask(self):
+    def test_all_modes_are_closed_under_usual_and_impossible_umasks(self):
         editors.mousepad(self.session)
         voice = voices.prompts(self.session, "vm-nobodyavail")
-        for umask in ("000", "777"):
+        for umask in ("000", "022", "077", "777"):
             with self.subTest(umask=umask):
                 lorvane = self.start(umask)
                 self.check_core_limit(lorvane.process)

@@ -43,7 +43,11 @@ USER_DEFAULTS = {
     "foreign": lambda path: path.write_bytes(FOREIGN.read_bytes()),
     "one long line": lambda path: path.write_bytes(b"[General]\nx=" + b"\\x41," * (1 << 20)),
     "folder": Path.mkdir,
+    "pipe": os.mkfifo,
+    "circle": lambda path: path.symlink_to(path.name),
 }
+# What is no settings file. The others have odd values only.
+NO_USER_DEFAULTS = ("another-programs", "no-sections", "foreign", "folder", "pipe", "circle")
 
 
 def fill_recovery(folder):
