@@ -10,8 +10,8 @@ namespace {
 
 /// From this length on a stretch ends at the next pause that is as long as between sentences: a
 /// model that hears several speakers or subjects at once makes more errors. See docs/recogniser.md.
-constexpr double fullStretch = 3;
-constexpr double sentencePause = 0.8;
+constexpr double fullStretch = 6;
+constexpr double sentencePause = 1;
 /// At this length it has to be cut, at the widest pause or else at the weakest moment.
 constexpr double longestStretch = 30;
 constexpr double shortestStretch = 5;
