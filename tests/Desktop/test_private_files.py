@@ -1,3 +1,4 @@
+import contextlib
 import os
 import shutil
 import stat
@@ -29,20 +30,26 @@ class PrivateFiles(unittest.TestCase):
         """All of the user's data, and that files of these names are there by now."""
         found = [self.data, *sorted(self.data.rglob("*"))]
         for path in found:
-            mode = stat.S_IMODE(path.lstat().st_mode)
-            self.assertEqual(oct(mode), oct(0o700 if path.is_dir() else 0o600), path)
+            with contextlib.suppress(FileNotFoundError):  # Removed since it was found.
+                about = path.lstat()
+                expected = 0o700 if stat.S_ISDIR(about.st_mode) else 0o600
+                self.assertEqual(oct(stat.S_IMODE(about.st_mode)), oct(expected), path)
         self.assertLessEqual(set(names), {path.name for path in found})
 
     def check_open_files(self, process):
         """What it writes elsewhere, under whatever name."""
         for descriptor in Path(f"/proc/{process.pid}/fd").iterdir():
-            target = os.readlink(descriptor)
-            if target.startswith("/") and not target.startswith(("/dev/", "/proc/", "/memfd:")):
-                about = descriptor.stat()
-                is_written = os.lstat(descriptor).st_mode & stat.S_IWUSR
-                is_ours = not target.startswith(str(self.session.output))
-                if stat.S_ISREG(about.st_mode) and is_written and is_ours:
-                    self.assertEqual(about.st_mode & 0o077, 0, target)
+            with contextlib.suppress(FileNotFoundError):  # Closed since it was listed.
+                self.check_open_file(descriptor)
+
+    def check_open_file(self, descriptor):
+        target = os.readlink(descriptor)
+        if target.startswith("/") and not target.startswith(("/dev/", "/proc/", "/memfd:")):
+            about = descriptor.stat()
+            is_written = os.lstat(descriptor).st_mode & stat.S_IWUSR
+            is_ours = not target.startswith(str(self.session.output))
+            if stat.S_ISREG(about.st_mode) and is_written and is_ours:
+                self.assertEqual(about.st_mode & 0o077, 0, target)
 
     def check_core_limit(self, process):
         limits = Path(f"/proc/{process.pid}/limits").read_text()
