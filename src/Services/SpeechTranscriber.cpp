@@ -3,6 +3,7 @@
 #include "Platform/Permissions.h"
 
 #include <QDir>
+#include <QFile>
 #include <QScopeGuard>
 
 #include <algorithm>
@@ -216,11 +217,21 @@ void SpeechTranscriber::cancel(bool preserveAudio) {
         if (preserveAudio)
             publish(recoveryAudioURL_, capture->url);
         else
-            QDir(capture->directory).removeRecursively();
+            remove(*capture);
     }
     recognizer_.reset();
     publish(processingMessage_, u""_s);
     publish(transcriptionComplete_, false);
+}
+
+/// The names go at once. To give back the space of an hour's audio takes a file system a tenth of a
+/// second and more; it does so when the file is closed for the last time, on another thread.
+bool SpeechTranscriber::remove(const AudioRecording &recording) {
+    const auto audio = std::make_shared<QFile>(recording.url);
+    audio->open(QIODevice::ReadOnly);
+    const bool isRemoved = QDir(recording.directory).removeRecursively();
+    ports_.clock.runInBackground([audio] { audio->close(); });
+    return isRemoved;
 }
 
 } // namespace lorvane

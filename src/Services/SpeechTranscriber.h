@@ -81,6 +81,7 @@ private:
     void receiveReadings(const QUuid &session, const CaptureReadings &readings);
     void captureFailed(const QString &error);
     void stopAudio();
+    bool remove(const AudioRecording &recording);
 
     // SpeechTranscriberLive.cpp
     void startLivePreview();

@@ -7,7 +7,6 @@
 #include "Core/TranscriptIntegrity.h"
 #include "Services/LongFormFileRecognition.h"
 
-#include <QDir>
 #include <QFile>
 
 using namespace Qt::StringLiterals;
@@ -202,7 +201,7 @@ void SpeechTranscriber::confirm(const std::shared_ptr<AudioRecording> &recording
 
 void SpeechTranscriber::removeConfirmed() {
     const auto recording = std::exchange(confirmed_, nullptr);
-    if (recording && !QDir(recording->directory).removeRecursively())
+    if (recording && !remove(*recording))
         publish(errorMessage_,
                 u"Transcription is complete, but the temporary audio could not be removed: "_s +
                     recording->url);

@@ -1,7 +1,11 @@
 #include "SmallDisk.h"
 #include "SpeechTranscriberFixture.h"
 
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -10,6 +14,15 @@ namespace lorvane {
 namespace {
 
 using SpeechTranscriberFinishTest = SpeechTranscriberFixture;
+
+/// Whether the process still has a file open that has no name any more.
+bool holdsDeleted(const QString &path) {
+    const QDir open(u"/proc/self/fd"_s);
+    const QStringList numbers = open.entryList(QDir::AllEntries | QDir::System);
+    return std::any_of(numbers.begin(), numbers.end(), [&](const QString &number) {
+        return QFile::symLinkTarget(open.filePath(number)) == path + u" (deleted)"_s;
+    });
+}
 
 TEST_F(SpeechTranscriberFinishTest, ConfirmedTranscriptRemovesTheFolder) {
     start();
@@ -27,6 +40,29 @@ TEST_F(SpeechTranscriberFinishTest, ConfirmedTranscriptRemovesTheFolder) {
     EXPECT_EQ(transcriber.recoveryAudioURL(), QString());
     EXPECT_FALSE(QFileInfo::exists(folder));
     EXPECT_TRUE(QFileInfo::exists(QFileInfo(folder).path()));
+}
+
+TEST_F(SpeechTranscriberFinishTest, AudioGoesAtOnceButItsSpaceIsGivenBackInTheBackground) {
+    for (const bool isCancelled : {false, true}) {
+        SCOPED_TRACE(isCancelled);
+        start();
+        speak(1s);
+        const QString folder = recordingFolder();
+        const QString url = folder + u"/recording.caf"_s;
+        if (isCancelled) {
+            clock().holdsBackground = true;
+            transcriber.cancel();
+        } else {
+            stop();
+            clock().holdsBackground = true;
+            answerChunk(u"Hello."_s);
+        }
+        EXPECT_FALSE(QFileInfo::exists(folder));
+        EXPECT_TRUE(holdsDeleted(url)) << "the main thread would wait for the file system";
+        clock().holdsBackground = false;
+        clock().runUntilIdle();
+        EXPECT_FALSE(holdsDeleted(url));
+    }
 }
 
 TEST_F(SpeechTranscriberFinishTest, AudioThatCannotBeRemovedIsToldAndTheTextStaysConfirmed) {
