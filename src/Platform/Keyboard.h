@@ -12,9 +12,9 @@ public:
     Keyboard &operator=(const Keyboard &) = delete;
     virtual ~Keyboard() = default;
 
-    /// Posts the desktop's paste key, whatever modifiers the user still holds. False if it can't be
-    /// posted, if it would go to another window than that of `front` by now, or if the user is just
-    /// clicking somewhere.
+    /// Posts the key that pastes in the window of `front`, whatever modifiers the user still holds.
+    /// False if it can't be posted or there is none, if it would go to another window by now, or if
+    /// the user is just clicking somewhere.
     virtual bool postPaste(const RunningApplication &front) = 0;
 };
 

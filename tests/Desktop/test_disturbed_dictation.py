@@ -1,10 +1,7 @@
 from lorvane_desktop import editors, trials, voices
-from lorvane_desktop.lorvane import FINISH, PASTED
+from lorvane_desktop.lorvane import FINISH, GIVEN_UP, PASTED
 from lorvane_desktop.testcase import DesktopTest
 from lorvane_desktop.waiting import until
-
-GIVEN_UP = ("Saved and copied. Paste with ⌘V; automatic paste needs Accessibility access and the "
-            "original text field.")
 
 
 class DisturbedDictation(DesktopTest):

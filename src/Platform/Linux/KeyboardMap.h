@@ -14,7 +14,9 @@ namespace KeySymbol {
 inline constexpr xcb_keysym_t space = 0x0020;
 inline constexpr xcb_keysym_t v = 0x0076;
 inline constexpr xcb_keysym_t scrollLock = 0xff14;
+inline constexpr xcb_keysym_t insert = 0xff63;
 inline constexpr xcb_keysym_t numLock = 0xff7f;
+inline constexpr xcb_keysym_t shiftLeft = 0xffe1;
 inline constexpr xcb_keysym_t controlLeft = 0xffe3;
 inline constexpr xcb_keysym_t capsLock = 0xffe5;
 inline constexpr xcb_keysym_t altLeft = 0xffe9;

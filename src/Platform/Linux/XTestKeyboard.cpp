@@ -1,9 +1,12 @@
 #include "Platform/Linux/XTestKeyboard.h"
 
 #include "Platform/Linux/KeyboardMap.h"
+#include "Platform/Linux/PasteKeys.h"
 
 #include <xcb/xinput.h>
 #include <xcb/xtest.h>
+
+#include <ranges>
 
 namespace lorvane {
 
@@ -87,35 +90,64 @@ bool XTestKeyboard::postPaste(const RunningApplication &front) {
     const auto map = KeyboardMap::read(*connection_, deadline);
     if (!map)
         return false;
-    const auto controlKeys = map->keys(KeySymbol::controlLeft);
-    const auto pasteKeys = map->keys(KeySymbol::v);
-    if (controlKeys.empty() || pasteKeys.empty())
+    const auto window = static_cast<xcb_window_t>(front.window);
+    const std::vector<xcb_keycode_t> keystroke = keysFor(window, *map, deadline);
+    if (keystroke.empty())
         return false;
-    const xcb_keycode_t control = controlKeys.front();
-    const xcb_keycode_t paste = pasteKeys.front();
     // What the user still holds would make another key of it. A held Space is the shortcut's grab,
     // which would take the keystroke for itself.
     auto keysToRelease = map->heldModifierKeys();
     for (const xcb_keycode_t space : map->keys(KeySymbol::space))
         keysToRelease.push_back(space);
-    keysToRelease.push_back(paste);
+    keysToRelease.push_back(keystroke.back());
 
     xcb_grab_server(c);
     const auto keymap = connection_->reply<xcb_query_keymap_reply_t>(xcb_query_keymap(c), deadline);
-    const bool goesThere = keymap && !isClicking(deadline) &&
-                           hasKeyboardFocus(static_cast<xcb_window_t>(front.window), deadline);
+    const bool goesThere = keymap && !isClicking(deadline) && hasKeyboardFocus(window, deadline);
     if (goesThere) {
         for (const xcb_keycode_t key : keysToRelease) {
             if (isDown(*keymap, key))
                 post(c, XCB_KEY_RELEASE, key);
         }
-        post(c, XCB_KEY_PRESS, control);
-        post(c, XCB_KEY_PRESS, paste);
-        post(c, XCB_KEY_RELEASE, paste);
-        post(c, XCB_KEY_RELEASE, control);
+        for (const xcb_keycode_t key : keystroke)
+            post(c, XCB_KEY_PRESS, key);
+        for (const xcb_keycode_t key : keystroke | std::views::reverse)
+            post(c, XCB_KEY_RELEASE, key);
     }
     xcb_ungrab_server(c);
     return connection_->flush() && goesThere;
+}
+
+/// The keys to press one after the other to paste into a window; none if that can't be done.
+std::vector<xcb_keycode_t> XTestKeyboard::keysFor(xcb_window_t window, const KeyboardMap &map,
+                                                  const QDeadlineTimer &deadline) {
+    const auto wanted = pasteKeys(windowClass(window, deadline));
+    if (!wanted)
+        return {};
+    std::vector<xcb_keysym_t> symbols = wanted->modifiers;
+    symbols.push_back(wanted->key);
+    std::vector<xcb_keycode_t> keys;
+    for (const xcb_keysym_t symbol : symbols) {
+        const auto found = map.keys(symbol);
+        if (found.empty())
+            return {};
+        keys.push_back(found.front());
+    }
+    return keys;
+}
+
+/// The second of the two names that a window states, each ended by a zero; empty without.
+QByteArray XTestKeyboard::windowClass(xcb_window_t window, const QDeadlineTimer &deadline) {
+    constexpr uint32_t mostWords = 64;
+    const auto answer = connection_->reply<xcb_get_property_reply_t>(
+        xcb_get_property(connection_->get(), false, window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 0,
+                         mostWords),
+        deadline);
+    if (!answer || answer->format != 8)
+        return {};
+    const QByteArray names(static_cast<const char *>(xcb_get_property_value(answer.get())),
+                           xcb_get_property_value_length(answer.get()));
+    return names.split('\0').value(1);
 }
 
 /// Whether the user is just clicking, or was a moment ago. An application that hasn't looked at the

@@ -11,13 +11,11 @@ from pathlib import Path
 
 from . import editors, keys, library, microphone, voices, wer
 from .daytime import Daytime
-from .lorvane import LISTENING, NO_SPEECH, PASTED, Lorvane, overlay_is_shown
+from .lorvane import GIVEN_UP, LISTENING, NO_SPEECH, PASTED, Lorvane, overlay_is_shown
 from .session import run
 from .smalldisk import SmallDisk
 from .waiting import until
 
-GIVEN_UP = ("Saved and copied. Paste with ⌘V; automatic paste needs Accessibility access and the "
-            "original text field.")
 ENDED = ("Audio capture ended unexpectedly. Release the shortcut to recover the captured "
          "recording.")
 NO_INPUT = "No microphone input is available. Check your audio input in System Settings."

@@ -17,6 +17,8 @@ APPLICATION_ID = "net.lorvane.Lorvane"
 LISTENING = "Listening · "
 TRANSCRIBING = "Transcribing the complete recording…"
 PASTED = "Saved and paste requested at your cursor."
+GIVEN_UP = ("Saved and copied. Paste with ⌘V; automatic paste needs Accessibility access and the "
+            "original text field.")
 COPIED = "Saved to history and copied to the clipboard."
 NO_SPEECH = "No speech detected. Try again when you’re ready."
 CANCELLED = "Dictation cancelled."

@@ -52,6 +52,12 @@ def prompts(session, *names, pause=0.6, gain=0):
                   f"{padded}{joined}concat=n={len(names)}:v=0:a=1,volume={gain}dB")
 
 
+def again(session, voice, times):
+    """A voice that says all that it says so many times, one after the other."""
+    return _voice(session, " ".join([voice.text] * times), "-stream_loop", times - 1, "-i",
+                  voice.path)
+
+
 def synthetic(session, text):
     """A synthetic speaker who says any text."""
     raw = session.home / "synthetic.wav"

@@ -26,7 +26,6 @@ using namespace std::chrono_literals;
 /// go, not how soon.
 constexpr auto patient = 10s;
 
-constexpr xcb_keysym_t shiftLeft = 0xffe1;
 constexpr xcb_keysym_t superLeft = 0xffeb;
 constexpr xcb_keysym_t levelThreeShift = 0xfe03;
 
@@ -60,11 +59,11 @@ protected:
             {QStringLiteral("-layout"), layout, QStringLiteral("-variant"), variant}));
     }
 
-    /// The window got one key, with Control alone.
-    bool awaitPaste(xcb_keycode_t key) {
-        constexpr uint16_t modifiers = 0xff;
+    /// The window got one key, with these modifiers alone.
+    bool awaitPaste(xcb_keycode_t key, int modifiers = XCB_MOD_MASK_CONTROL) {
+        constexpr uint16_t allModifiers = 0xff;
         const auto isPaste = [&](const xcb_key_press_event_t &event) {
-            return event.detail == key && (event.state & modifiers) == XCB_MOD_MASK_CONTROL;
+            return event.detail == key && (event.state & allModifiers) == modifiers;
         };
         return waitUntil([&] { return std::ranges::count_if(user.keyPresses, isPaste) == 1; }, 2s);
     }
@@ -84,14 +83,53 @@ TEST_F(XTestKeyboardTest, TypesControlAndVOnce) {
 }
 
 TEST_F(XTestKeyboardTest, ReleasesWhatTheUserHoldsAndDoesNotPressItAgain) {
-    const std::vector<xcb_keysym_t> held = {KeySymbol::controlLeft, KeySymbol::altLeft, shiftLeft,
-                                            superLeft, levelThreeShift};
+    const std::vector<xcb_keysym_t> held = {KeySymbol::controlLeft, KeySymbol::altLeft,
+                                            KeySymbol::shiftLeft, superLeft, levelThreeShift};
     for (const xcb_keysym_t symbol : held)
         user.press(symbol);
     ASSERT_TRUE(keyboard.postPaste(front()));
     EXPECT_TRUE(awaitPaste(user.key(KeySymbol::v)));
     for (const xcb_keysym_t symbol : held)
         EXPECT_FALSE(user.isDown(user.key(symbol))) << symbol;
+}
+
+TEST_F(XTestKeyboardTest, TypesWhatPastesInATerminal) {
+    user.setClass(window, "gnome-terminal-server", "Gnome-terminal");
+    user.press(KeySymbol::controlLeft);
+    user.press(KeySymbol::altLeft);
+    ASSERT_TRUE(keyboard.postPaste(front()));
+    EXPECT_TRUE(awaitPaste(user.key(KeySymbol::v), XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_SHIFT));
+    for (const xcb_keysym_t symbol :
+         {KeySymbol::v, KeySymbol::controlLeft, KeySymbol::shiftLeft, KeySymbol::altLeft})
+        EXPECT_FALSE(user.isDown(user.key(symbol))) << symbol;
+}
+
+TEST_F(XTestKeyboardTest, TypesWhatPastesInProgramsThatHaveControlVForSomethingElse) {
+    user.setClass(window, "urxvt", "URxvt");
+    ASSERT_TRUE(keyboard.postPaste(front()));
+    EXPECT_TRUE(awaitPaste(user.key(KeySymbol::v), XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1));
+    user.setClass(window, "emacs", "Emacs");
+    ASSERT_TRUE(keyboard.postPaste(front()));
+    EXPECT_TRUE(awaitPaste(user.key(KeySymbol::insert), XCB_MOD_MASK_SHIFT));
+}
+
+TEST_F(XTestKeyboardTest, PostsNothingWhereNoKeyPastes) {
+    user.press(KeySymbol::altLeft);
+    for (const char *const name : {"XTerm", "UXTerm", "Gvim"}) {
+        user.setClass(window, name, name);
+        EXPECT_FALSE(keyboard.postPaste(front())) << name;
+    }
+    EXPECT_TRUE(user.isDown(user.key(KeySymbol::altLeft)));
+    user.release(KeySymbol::altLeft);
+}
+
+TEST_F(XTestKeyboardTest, IsNotConfusedByAnOddClass) {
+    for (const char *const name : {"", "Some-editor", "not XTerm"}) {
+        user.keyPresses.clear();
+        user.setClass(window, "xterm", name);
+        ASSERT_TRUE(keyboard.postPaste(front())) << name;
+        EXPECT_TRUE(awaitPaste(user.key(KeySymbol::v))) << name;
+    }
 }
 
 TEST_F(XTestKeyboardTest, ReachesTheWindowWhileTheShortcutIsHeldDown) {

@@ -114,6 +114,13 @@ xcb_window_t X11Client::showWindow(qint64 processId) {
     return window;
 }
 
+void X11Client::setClass(xcb_window_t window, const QByteArray &instance, const QByteArray &name) {
+    const QByteArray names = instance + '\0' + name + '\0';
+    xcb_change_property(connection_.get(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS,
+                        XCB_ATOM_STRING, 8, static_cast<uint32_t>(names.size()), names.constData());
+    synchronize();
+}
+
 xcb_window_t X11Client::showPart(xcb_window_t window) {
     xcb_connection_t *const c = connection_.get();
     const xcb_window_t part = xcb_generate_id(c);

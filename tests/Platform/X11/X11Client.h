@@ -39,6 +39,8 @@ public:
 
     /// Shows a window of a process; 0 leaves the process unsaid.
     xcb_window_t showWindow(qint64 processId);
+    /// States what program a window belongs to.
+    void setClass(xcb_window_t window, const QByteArray &instance, const QByteArray &name);
     /// Shows a window within a window.
     xcb_window_t showPart(xcb_window_t window);
     void destroyWindow(xcb_window_t window);
