@@ -12,6 +12,7 @@ LinuxPlatform::LinuxPlatform(QQmlEngine &engine)
           QDBusConnection::sessionBus(), userDefaults_,
           [this](const QString &question) { return prompt_.ask(question); },
           [this] { return keyboard_.isAvailable(); }),
+      savePanel_(QDBusConnection::sessionBus(), ownSavePanel_),
       overlay_(engine) {}
 
 Ports LinuxPlatform::ports() {

@@ -2,6 +2,7 @@
 
 #include "Platform/Linux/AtSpiAccessibility.h"
 #include "Platform/Linux/DesktopPermissions.h"
+#include "Platform/Linux/PortalSavePanel.h"
 #include "Platform/Linux/PulseAudioInput.h"
 #include "Platform/Linux/QtPasteboard.h"
 #include "Platform/Linux/QtSavePanel.h"
@@ -44,7 +45,8 @@ private:
     AtSpiAccessibility accessibility_;
     QtPasteboard pasteboard_;
     QtScreens screens_;
-    QtSavePanel savePanel_;
+    QtSavePanel ownSavePanel_;
+    PortalSavePanel savePanel_;
     OverlayWindow overlay_;
 };
 

@@ -2,6 +2,7 @@ import json
 import os
 from pathlib import Path
 
+from lorvane_desktop.portal import Portal
 from lorvane_desktop.session import run
 from lorvane_desktop.testcase import DesktopTest
 from lorvane_desktop.waiting import until
@@ -23,11 +24,15 @@ class LibraryOnTheDesktop(DesktopTest):
         folder = Path(os.environ["XDG_DATA_HOME"]) / "Lorvane"
         folder.mkdir()
         (folder / "library.json").write_text(json.dumps(LIBRARY))
+        self.portal = Portal(self.session.bus)
+
+    def export_button(self):
+        self.lorvane.press("History")
+        return until(lambda: self.lorvane.window.find("Export", role="push button|button"), 5,
+                     "the button")
 
     def test_the_history_is_exported_through_the_save_dialog_with_the_keys(self):
-        self.lorvane.press("History")
-        button = until(lambda: self.lorvane.window.find("Export", role="push button|button"), 5,
-                       "the button")
+        button = self.export_button()
         button.focus()
         target = self.session.home / "exported.txt"
         run("xdotool", "key", "space")
@@ -47,6 +52,30 @@ class LibraryOnTheDesktop(DesktopTest):
                          [text for text, _ in RECORDS])
         for block, (_, date) in zip(blocks, RECORDS):
             self.assertIn(date[:4], block.split("\n", 1)[0])
+
+    def test_the_history_is_exported_through_the_portals_dialog_where_it_has_one(self):
+        self.portal.show_file_dialogs()
+        button = self.export_button()
+        active = int(run("xdotool", "getactivewindow"))
+        button.press()
+        until(lambda: self.portal.questions, 5, "the question of the portal")
+        window, options = self.portal.questions[0]
+        self.assertEqual(window, f"x11:{active:x}")
+        self.assertEqual(options["current_name"], "Lorvane History.txt")
+
+        target = self.session.home / "Größer, “so” 100% #1 🎤 'x' \"y\".txt"
+        self.portal.choice = target
+        button.press()
+        self.lorvane.wait_for("History exported.")
+        self.assertIn(RECORDS[0][0], target.read_text(encoding="utf-8"))
+        self.assertEqual([path.name for path in self.session.home.glob("*.txt")], [target.name],
+                         "nothing was written for the question that was cancelled")
+
+        self.portal.choice = "/proc/not-to-be-written.txt"
+        button.press()
+        self.lorvane.wait_for("Export failed: ")
+        self.assertEqual(len(self.portal.questions), 3)
+        self.assertFalse(self.dialog_is_in_front())
 
     @staticmethod
     def dialog_is_in_front():
