@@ -31,10 +31,11 @@ class Portal:
 
     def _ask(self, bus, sender, _path, _interface, _method, arguments, invocation):
         window, _, options = arguments.unpack()
+        choice = self.choice  # Another one may be made once the question is known.
+        self.questions.append((window, options))
         request = f"{PATH}/request/{sender[1:].replace('.', '_')}/{options['handle_token']}"
         invocation.return_value(GLib.Variant("(o)", (request,)))
-        addresses = [Path(self.choice).as_uri()] if self.choice else []
+        addresses = [Path(choice).as_uri()] if choice else []
         bus.emit_signal(sender, request, "org.freedesktop.portal.Request", "Response",
-                        GLib.Variant("(ua{sv})", (0 if self.choice else 1,
+                        GLib.Variant("(ua{sv})", (0 if choice else 1,
                                                   {"uris": GLib.Variant("as", addresses)})))
-        self.questions.append((window, options))
