@@ -38,6 +38,23 @@ class Mouse(DesktopTest):
         run("xdotool", "mousemove", str(left + 20), str(top + 5), "click", "--repeat", "2",
             "--delay", "30", "1")
         until(lambda: self.selection() == "Good", 5, "a word by a double click")
+        run("xdotool", "click", "3")
+        left_entry, top_entry, *_ = self.find("Copy", "menu item").extents()
+        run("xdotool", "mousemove", str(left_entry + 9), str(top_entry + 9), "click", "1")
+        until(lambda: editors.clipboard() == "Good", 5, "the word that was copied by the menu")
+
+        button, top_button, *_ = self.find("Copy dictation", "push button").extents()
+        run("xdotool", "mousemove", str(button - 3), str(top_button - 2), "click", "1")
+        until(lambda: editors.clipboard() == NEWEST, 5, "what a click just beside the button copies")
+        self.lorvane.press("Dismiss message")
+        until(lambda: text.extents()[1] == top, 5, "the page without its message")
+
+        steps = [word for y in range(top - 40, top - 140, -20)
+                 for word in ("mousemove", str(left + width // 2), str(y))]
+        run("xdotool", "mousemove", str(left + width // 2), str(top - 20), "mousedown", "1", *steps,
+            "mouseup", "1")
+        self.session.settle()
+        self.assertEqual(text.extents()[1], top, "a drag on its ground doesn't move the page")
 
         run("xdotool", "click", DOWN, "click", DOWN)
         until(lambda: text.extents()[1] < top, 5, "the scrolled page")

@@ -11,7 +11,7 @@ Item {
     required property color color
 
     implicitWidth: row.implicitWidth
-    implicitHeight: row.implicitHeight
+    implicitHeight: words.implicitHeight // an icon doesn't make it higher than its neighbours
 
     RowLayout {
         id: row
@@ -27,6 +27,8 @@ Item {
         }
 
         Text {
+            id: words
+
             text: label.button.text
             font: label.button.font
             color: label.color

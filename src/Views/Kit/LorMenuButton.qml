@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Templates as T
 import Lorvane
 
 // A borderless button that opens a menu of one column below itself.
@@ -21,24 +20,9 @@ LorPlainButton {
         menu.popup(button, 0, button.height + 4);
     }
 
-    T.Menu {
+    LorMenu {
         id: menu
 
         onClosed: button.forceActiveFocus(button.reason)
-
-        implicitWidth: contentItem.implicitWidth + 2 * padding
-        implicitHeight: contentItem.contentHeight + 2 * padding
-        padding: 5
-        margins: 8
-
-        background: LorMenuFrame {}
-
-        contentItem: ListView {
-            implicitWidth: contentItem.childrenRect.width
-            implicitHeight: contentHeight
-            model: menu.contentModel
-            currentIndex: menu.currentIndex
-            interactive: false
-        }
     }
 }

@@ -29,6 +29,8 @@ QtObject {
     // Around controls, and around the one that has the keyboard focus.
     readonly property color outline: Qt.rgba(0, 0, 0, isHigh ? 0.8 : 0.15)
     readonly property color focus: translucent(accent, isHigh ? 1 : 0.6)
+    // Below what opens above a page.
+    readonly property color shadow: Qt.rgba(0, 0, 0, 0.2)
     // A switch that is off.
     readonly property color track: Qt.rgba(0, 0, 0, isHigh ? 0.6 : 0.18)
     readonly property real disabledOpacity: 0.5

@@ -12,6 +12,15 @@ LorButton {
 
     font.pixelSize: 13
 
+    // An icon alone is small, so a click just beside it counts, too.
+    TapHandler {
+        margin: button.showsText ? 0 : 4
+        onTapped: point => {
+            if (!button.contains(point.position))
+                button.clicked();
+        }
+    }
+
     contentItem: RowLayout {
         spacing: 6
 

@@ -1,7 +1,7 @@
 import QtQuick
 
-// What makes a page follow the keyboard: it scrolls by the arrow keys, and what takes the focus is
-// brought into view.
+// What makes a page scroll as on a desktop: it follows the arrow keys, what takes the focus is brought
+// into view, and a mouse doesn't drag it.
 Item {
     id: scrolling
 
@@ -46,6 +46,18 @@ Item {
             return;
         scrollTo(page.contentY + steps[event.key]);
         event.accepted = true;
+    }
+
+    // A mouse has a wheel; a finger has not, and drags the page itself.
+    MouseArea {
+        parent: scrolling.page.contentItem
+        z: -1
+        x: scrolling.page.contentX
+        y: scrolling.page.contentY
+        width: scrolling.page.width
+        height: scrolling.page.height
+        preventStealing: true
+        onPressed: event => event.accepted = event.source === Qt.MouseEventNotSynthesized
     }
 
     Connections {

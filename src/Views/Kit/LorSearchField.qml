@@ -40,6 +40,7 @@ LorFieldFrame {
             selectedTextColor: LorPalette.white
             placeholderText: search.placeholder
             Accessible.name: search.placeholder
+            Keys.forwardTo: [editMenu]
             Keys.onEscapePressed: event => {
                 event.accepted = text !== "";
                 clear();
@@ -48,6 +49,11 @@ LorFieldFrame {
             LorPlaceholder {
                 anchors.fill: parent
                 field: field
+            }
+
+            LorEditMenu {
+                id: editMenu
+                edit: field
             }
         }
 

@@ -49,9 +49,15 @@ Item {
             selectionColor: LorPalette.accent
             selectedTextColor: LorPalette.white
             KeyNavigation.priority: KeyNavigation.BeforeItem
+            Keys.forwardTo: [editMenu]
             Accessible.role: Accessible.StaticText
             Accessible.name: text
             Accessible.readOnly: true
+
+            LorEditMenu {
+                id: editMenu
+                edit: edit
+            }
 
             LineSpacing {
                 document: edit.textDocument

@@ -41,12 +41,18 @@ Flickable {
         Accessible.name: editor.label
 
         Keys.priority: Keys.BeforeItem
+        Keys.forwardTo: [editMenu]
         Keys.onTabPressed: event => editor.leave(event, true)
         Keys.onBacktabPressed: event => editor.leave(event, false)
 
         LineSpacing {
             document: area.textDocument
             spacing: editor.lineSpacing
+        }
+
+        LorEditMenu {
+            id: editMenu
+            edit: area
         }
 
         DocumentText {

@@ -10,17 +10,17 @@ T.TextField {
     required property string label
 
     Layout.fillWidth: true
-    implicitHeight: contentHeight + topPadding + bottomPadding
+    implicitHeight: contentHeight + 10
     leftPadding: 8
     rightPadding: 8
-    topPadding: 5
-    bottomPadding: 5
+    verticalAlignment: Text.AlignVCenter
     color: LorPalette.ink
     font.pixelSize: 13
     selectByMouse: true
     selectionColor: LorPalette.accent
     selectedTextColor: LorPalette.white
     Accessible.name: label
+    Keys.forwardTo: [editMenu]
 
     background: LorFieldFrame {
         radius: 6
@@ -34,5 +34,10 @@ T.TextField {
         anchors.rightMargin: field.rightPadding
         verticalAlignment: Text.AlignVCenter
         field: field
+    }
+
+    LorEditMenu {
+        id: editMenu
+        edit: field
     }
 }
