@@ -80,3 +80,21 @@ class LibraryOnTheDesktop(DesktopTest):
     @staticmethod
     def dialog_is_in_front():
         return "Save As" in run("xdotool", "getactivewindow", "getwindowname")
+
+
+class ExportOnAGtkDesktop(LibraryOnTheDesktop):
+    def prepare(self):
+        super().prepare()
+        os.environ["QT_QPA_PLATFORMTHEME"] = "gtk3"
+
+    def test_gtks_own_dialog_asks_where_the_portal_has_none(self):
+        self.export_button().press()
+        until(self.dialog_is_in_front, 5, "the save dialog")
+        libraries = Path(f"/proc/{self.lorvane.process.pid}/maps").read_text()
+        self.assertIn("/libgtk-3.so", libraries)
+        target = self.session.home / "exported.txt"
+        run("xdotool", "key", "ctrl+a")
+        run("xdotool", "type", "--delay", "5", str(target))
+        run("xdotool", "key", "Return")
+        self.lorvane.wait_for("History exported.")
+        self.assertIn(RECORDS[0][0], target.read_text(encoding="utf-8"))

@@ -9,6 +9,8 @@ namespace lorvane {
 
 std::optional<QString> QtSavePanel::run(const QString &proposedFileName) {
     QFileDialog dialog;
+    // GTK's dialog has none of its own.
+    dialog.setWindowTitle(QStringLiteral("Save As"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setMimeTypeFilters({QStringLiteral("text/plain")});

@@ -1,7 +1,7 @@
 import QtQuick
 import Lorvane
 
-// A borderless button that opens a menu of one column below itself.
+// A borderless button that opens a menu of one column below itself and its neighbours.
 LorPlainButton {
     id: button
 
@@ -17,7 +17,7 @@ LorPlainButton {
             return;
         }
         reason = focusReason;
-        menu.popup(button, 0, button.height + 4);
+        menu.popup(button, button.width - menu.implicitWidth, button.height + 10);
     }
 
     LorMenu {

@@ -21,16 +21,21 @@ def application(session, process):
     bus = session.accessibility_bus
     family = set(with_descendants(process.pid))
     root = Element(bus, "org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
+    found = None
     for child in root.children():
         try:
             pid, = call(bus, "org.freedesktop.DBus", "/", "org.freedesktop.DBus",
                         "GetConnectionUnixProcessID", GLib.Variant("(s)", (child.owner,)))
+            if pid not in family:
+                continue
+            child.pid = pid
+            found = child
+            # Under GTK's platform theme a Qt program is there twice, once without any window.
+            if child.children():
+                break
         except GLib.Error:
             continue
-        if pid in family:
-            child.pid = pid
-            return child
-    return None
+    return found
 
 
 class Focus:
