@@ -126,23 +126,23 @@ public:
         return watch.milliseconds();
     }
 
-    /// Types a text into the page's search field; gives the milliseconds of the slowest key.
+    /// Types a text into the page's search field and takes it back; gives the milliseconds of the
+    /// slowest key.
     double search(const QString &placeholder, const QString &text) {
         QAccessibleInterface *field = find(placeholder, QAccessible::EditableText);
         qobject_cast<QQuickItem *>(field->object())->forceActiveFocus();
         double slowest = 0;
-        for (const QChar letter : text) {
+        const auto type = [&](Qt::Key key, const QString &letter) {
             const Stopwatch watch;
-            QKeyEvent press(QEvent::KeyPress, Qt::Key_unknown, {}, QString(letter));
+            QKeyEvent press(QEvent::KeyPress, key, {}, letter);
             QCoreApplication::sendEvent(scene_, &press);
             draw();
             slowest = std::max(slowest, watch.milliseconds());
-        }
-        for (qsizetype i = 0; i < text.size(); ++i) {
-            QKeyEvent press(QEvent::KeyPress, Qt::Key_Backspace, {});
-            QCoreApplication::sendEvent(scene_, &press);
-        }
-        draw();
+        };
+        for (const QChar letter : text)
+            type(Qt::Key_unknown, letter);
+        for (qsizetype i = 0; i < text.size(); ++i)
+            type(Qt::Key_Backspace, {});
         return slowest;
     }
 
