@@ -20,7 +20,7 @@ QVariant HistoryModel::data(const QModelIndex &index, int role) const {
     const TranscriptRecord &record = at(index.row());
     switch (role) {
     case dateRole: return dateLabel(record.createdAt);
-    case wordsRole: return u"%1 words"_qs.arg(record.wordCount());
+    case wordsRole: return wordsLabel(record);
     case durationRole: return u"%1s"_qs.arg(static_cast<qint64>(record.duration));
     case textRole: return record.text;
     default: return {};

@@ -107,7 +107,7 @@ QString HomeModel::latestDate() const {
 }
 
 QString HomeModel::latestWords() const {
-    return hasLatest() ? u"%1 words"_qs.arg(store_->history().first().wordCount()) : QString();
+    return hasLatest() ? wordsLabel(store_->history().first()) : QString();
 }
 
 QString HomeModel::latestText() const {

@@ -66,7 +66,6 @@ LorScrollPage {
         }
 
         LorLink {
-            visible: LorPages.isListed(LorPages.history)
             text: "View history"
             font.pixelSize: 12
             onClicked: page.showHistory()
@@ -84,7 +83,7 @@ LorScrollPage {
 
         LorSymbol {
             name: "lock.shield"
-            size: 11
+            fontSize: 10
             color: LorPalette.muted
         }
 

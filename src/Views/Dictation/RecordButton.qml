@@ -34,7 +34,7 @@ LorButton {
         LorSymbol {
             anchors.centerIn: parent
             name: button.home.recordSymbol
-            size: 28
+            fontSize: 26
             color: LorPalette.white
         }
     }

@@ -15,7 +15,7 @@ LorCard {
 
     LorSymbol {
         name: card.icon
-        size: 15
+        fontSize: 14
         color: LorPalette.muted
     }
 

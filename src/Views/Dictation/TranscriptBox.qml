@@ -48,7 +48,6 @@ Rectangle {
             }
 
             LorLink {
-                visible: LorPages.isListed(LorPages.history)
                 text: "View history"
                 onClicked: box.showHistory()
             }

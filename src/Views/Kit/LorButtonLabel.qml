@@ -20,9 +20,8 @@ Item {
         spacing: 6
 
         LorSymbol {
-            visible: label.symbol !== ""
-            name: visible ? label.symbol : "circle"
-            size: label.button.font.pixelSize + 1
+            name: label.symbol
+            fontSize: label.button.font.pixelSize
             color: label.color
         }
 

@@ -26,7 +26,7 @@ ColumnLayout {
         LorSymbol {
             anchors.centerIn: parent
             name: state.icon
-            size: 27
+            fontSize: 27
             color: LorPalette.accent
         }
     }

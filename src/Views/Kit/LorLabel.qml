@@ -15,9 +15,9 @@ RowLayout {
 
     LorSymbol {
         Layout.alignment: Qt.AlignTop
-        Layout.topMargin: Math.max(0, (words.font.pixelSize * 1.2 - size) / 2)
+        Layout.topMargin: Math.max(0, (words.font.pixelSize * 1.2 - side) / 2)
         name: label.symbol
-        size: label.font.pixelSize + 1
+        fontSize: label.font.pixelSize
         color: label.color
     }
 

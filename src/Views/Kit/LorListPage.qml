@@ -8,13 +8,12 @@ import Lorvane.Models
 ListView {
     id: page
 
-    readonly property int padding: 36
-    readonly property int maximumWidth: 1050
     // From the page's edge to the centred stack.
-    readonly property real inset: padding + Math.max(0, (width - maximumWidth) / 2)
+    readonly property real inset: LorPageLayout.margin
+                                  + Math.max(0, (width - LorPageLayout.maximumWidth) / 2)
 
-    topMargin: padding
-    bottomMargin: padding
+    topMargin: LorPageLayout.margin
+    bottomMargin: LorPageLayout.margin
     boundsBehavior: Flickable.StopAtBounds
     clip: true
     focus: true

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Lorvane
 
 // What stands above or below the rows of a LorListPage.
 Item {
@@ -8,7 +9,7 @@ Item {
     required property Item list
     default property alias content: stack.data
 
-    readonly property int spacing: 25
+    readonly property int spacing: LorPageLayout.spacing
     // Between the section and the rows.
     property real topPadding: 0
     property real bottomPadding: 0

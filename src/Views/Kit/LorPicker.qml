@@ -57,7 +57,7 @@ T.ComboBox {
         x: picker.width - width - 9
         y: (picker.height - height) / 2
         name: "chevron.up.chevron.down"
-        size: 12
+        fontSize: 11
         color: LorPalette.muted
     }
 
@@ -90,7 +90,7 @@ T.ComboBox {
             LorSymbol {
                 opacity: entry.isChosen ? 1 : 0
                 name: "checkmark"
-                size: 11
+                fontSize: 10
                 color: entry.highlighted ? LorPalette.white : LorPalette.ink
             }
 

@@ -25,9 +25,8 @@ LorButton {
         spacing: 6
 
         LorSymbol {
-            visible: button.symbol !== ""
-            name: button.symbol === "" ? "circle" : button.symbol
-            size: button.font.pixelSize + 1
+            name: button.symbol
+            fontSize: button.font.pixelSize
             color: button.color
             opacity: button.down ? 0.6 : 1
         }

@@ -10,11 +10,8 @@ Flickable {
     default property alias content: stack.data
     property alias spacing: stack.spacing
 
-    readonly property int padding: 36
-    readonly property int maximumWidth: 1050
-
     contentWidth: width
-    contentHeight: stack.implicitHeight + 2 * padding
+    contentHeight: stack.implicitHeight + 2 * LorPageLayout.margin
     boundsBehavior: Flickable.StopAtBounds
     clip: true
     focus: true
@@ -32,8 +29,8 @@ Flickable {
     ColumnLayout {
         id: stack
 
-        x: page.padding + Math.max(0, (page.width - page.maximumWidth) / 2)
-        y: page.padding
-        width: Math.min(page.width, page.maximumWidth) - 2 * page.padding
+        x: LorPageLayout.margin + Math.max(0, (page.width - LorPageLayout.maximumWidth) / 2)
+        y: LorPageLayout.margin
+        width: Math.min(page.width, LorPageLayout.maximumWidth) - 2 * LorPageLayout.margin
     }
 }

@@ -24,7 +24,7 @@ LorFieldFrame {
 
         LorSymbol {
             name: "magnifyingglass"
-            size: 13
+            fontSize: 12
             color: LorPalette.muted
         }
 

@@ -6,19 +6,22 @@ Item {
 
     required property string name
     required property color color
-    property real size: 16
+    // Of the text that the icon goes with: it is a little larger than the letters.
+    required property real fontSize
 
+    readonly property int side: Math.round(fontSize * 1.08)
     readonly property string argb: color.toString().slice(1)
 
-    implicitWidth: size
-    implicitHeight: size
+    visible: name !== ""
+    implicitWidth: side
+    implicitHeight: side
 
     Image {
         anchors.centerIn: parent
-        width: symbol.size
-        height: symbol.size
-        sourceSize: Qt.size(symbol.size, symbol.size)
-        source: `image://symbol/${symbol.name}/${symbol.argb}`
+        width: symbol.side
+        height: symbol.side
+        sourceSize: Qt.size(symbol.side, symbol.side)
+        source: symbol.name === "" ? "" : `image://symbol/${symbol.name}/${symbol.argb}`
         Accessible.ignored: true
     }
 }

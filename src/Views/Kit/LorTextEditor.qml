@@ -63,15 +63,14 @@ Flickable {
         }
     }
 
-    Text {
+    LorParagraph {
         width: editor.width
         leftPadding: editor.inset
         visible: editor.placeholder !== "" && editor.text === ""
         text: editor.placeholder
         font: area.font
+        lineSpacing: editor.lineSpacing
         color: LorPalette.placeholder
-        textFormat: Text.PlainText
-        wrapMode: Text.Wrap
         Accessible.ignored: true
     }
 

@@ -77,7 +77,7 @@ LorListRow {
             LorSymbol {
                 anchors.centerIn: parent
                 name: "textformat.abc"
-                size: 18
+                fontSize: 17
                 color: LorPalette.muted
             }
         }

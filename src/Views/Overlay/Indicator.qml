@@ -6,6 +6,7 @@ Item {
     id: indicator
 
     required property QtObject meter
+    required property int cornerRadius
 
     readonly property color accent: Qt.rgba(1, 0.43, 0.25, 1)
     readonly property color fill: Qt.rgba(0.12, 0.13, 0.14, 0.97)
@@ -15,14 +16,11 @@ Item {
     readonly property color detailColor: Qt.rgba(1, 1, 1, 0.7)
     readonly property int rowHeight: 22
 
-    implicitWidth: 350
-    implicitHeight: 88
-
     Rectangle {
         id: card
 
         anchors.fill: parent
-        radius: 22
+        radius: indicator.cornerRadius
         color: indicator.fill
     }
 
@@ -50,7 +48,7 @@ Item {
             anchors.centerIn: parent
             visible: indicator.meter.showsWaveform
             name: "mic.fill"
-            size: 20
+            fontSize: 18
             color: indicator.accent
         }
 

@@ -38,7 +38,8 @@ void OverlayWindow::setMeter(Meter &meter) {
     view_->setFlags(windowFlags);
     view_->setColor(Qt::transparent);
     view_->setResizeMode(QQuickView::SizeRootObjectToView);
-    view_->setInitialProperties({{u"meter"_qs, QVariant::fromValue<QObject *>(&meter)}});
+    view_->setInitialProperties({{u"meter"_qs, QVariant::fromValue<QObject *>(&meter)},
+                                 {u"cornerRadius"_qs, cornerRadius}});
     view_->setSource(QUrl(u"qrc:/qt/qml/Lorvane/Overlay/Indicator.qml"_qs));
     view_->resize(cardSize);
     view_->create();

@@ -16,8 +16,8 @@ Item {
 
     ColumnLayout {
         anchors.fill: parent
-        anchors.margins: 36
-        spacing: 25
+        anchors.margins: LorPageLayout.margin
+        spacing: LorPageLayout.spacing
 
         LorPageHeader {
             eyebrow: "A little room to think"

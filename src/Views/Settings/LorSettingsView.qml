@@ -9,7 +9,7 @@ LorScrollPage {
 
     required property QtObject store
 
-    spacing: 25
+    spacing: LorPageLayout.spacing
     Component.onCompleted: store.refreshPermissions()
 
     SettingsModel {

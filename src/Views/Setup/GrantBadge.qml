@@ -15,7 +15,7 @@ RowLayout {
 
     LorSymbol {
         name: badge.allowed ? "checkmark.circle.fill" : "circle"
-        size: badge.font.pixelSize + 1
+        fontSize: badge.font.pixelSize
         color: badge.allowed ? LorPalette.green : LorPalette.muted
     }
 

@@ -64,7 +64,7 @@ Rectangle {
 
                 LorSymbol {
                     name: "hand.raised.fill"
-                    size: 22
+                    fontSize: 22
                     color: LorPalette.muted
                 }
 
@@ -89,7 +89,7 @@ Rectangle {
 
                     LorSymbol {
                         name: illustration.symbol
-                        size: 16
+                        fontSize: 15
                         color: LorPalette.ink
                     }
 

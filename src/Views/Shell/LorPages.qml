@@ -1,7 +1,7 @@
 pragma Singleton
 import QtQuick
 
-// The pages of the window, in their order. The sidebar lists those that have a source.
+// The pages of the window, in their order.
 QtObject {
     readonly property int home: 0
     readonly property int history: 1
@@ -42,8 +42,4 @@ QtObject {
             source: Qt.resolvedUrl("../Settings/LorSettingsView.qml")
         }
     ]
-
-    function isListed(page: int): bool {
-        return all[page].source.toString() !== "";
-    }
 }

@@ -28,7 +28,7 @@ Rectangle {
 
         LorSymbol {
             name: banner.isError ? "exclamationmark.circle" : "checkmark.circle"
-            size: 14
+            fontSize: 13
             color: banner.foreground
         }
 

@@ -36,7 +36,7 @@ LorButton {
                 id: symbol
                 anchors.centerIn: parent
                 name: button.symbol
-                size: 15
+                fontSize: 15
                 color: button.foreground
             }
         }

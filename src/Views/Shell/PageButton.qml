@@ -7,7 +7,6 @@ NavigationButton {
     required property int page
     required property int selectedPage
 
-    visible: LorPages.isListed(page)
     text: LorPages.all[page].title
     symbol: LorPages.all[page].icon
     selected: page === selectedPage

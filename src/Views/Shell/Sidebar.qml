@@ -68,7 +68,7 @@ Rectangle {
             PageButton {
                 required property int index
 
-                visible: page !== LorPages.settings && LorPages.isListed(page)
+                visible: page !== LorPages.settings
                 store: sidebar.store
                 page: index
                 selectedPage: sidebar.page
