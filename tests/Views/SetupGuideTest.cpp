@@ -82,6 +82,24 @@ TEST_F(SetupGuideTest, CheckAgainReadsTheGrantsAnew) {
     EXPECT_TRUE(shows(u"Access is enabled"_qs));
 }
 
+TEST_F(SetupGuideTest, ItLooksAtTheGrantsEverySecond) {
+    ports.permissions.microphone = 0;
+    store->showSetupGuide(1);
+    ASSERT_TRUE(shows(u"Waiting for your permission"_qs));
+    QObject *timer = nullptr;
+    for (const QWindow *guide : QGuiApplication::topLevelWindows())
+        for (QObject *part : guide->findChildren<QObject *>())
+            if (part->inherits("QQmlTimer"))
+                timer = part;
+    ASSERT_NE(timer, nullptr);
+    EXPECT_EQ(timer->property("interval").toInt(), 1000);
+    for (const char *property : {"running", "repeat", "triggeredOnStart"})
+        EXPECT_TRUE(timer->property(property).toBool()) << property;
+    ports.permissions.microphone = 3;
+    QMetaObject::invokeMethod(timer, "triggered");
+    EXPECT_TRUE(shows(u"Access is enabled"_qs));
+}
+
 TEST_F(SetupGuideTest, TheWaysToAGrantAreThereWhetherItIsGivenOrNot) {
     const QStringList panels{u"Microphone"_qs, u"Speech Recognition"_qs, u"Accessibility"_qs};
     const QStringList requests{u"Allow microphone"_qs, u"Allow Speech Recognition"_qs,
