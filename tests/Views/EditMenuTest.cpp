@@ -112,8 +112,9 @@ TEST_F(EditMenuTest, IsAsWideAsItsWidestEntry) {
     rightClick(u"Scratchpad text"_qs);
     visit([](QAccessibleInterface *seen) {
         const auto *item = qobject_cast<QQuickItem *>(seen->object());
-        if (seen->role() == QAccessible::MenuItem)
+        if (seen->role() == QAccessible::MenuItem) {
             EXPECT_GE(item->width(), item->implicitWidth());
+        }
     });
     EXPECT_EQ(entries(false).size(), 4);
 }
