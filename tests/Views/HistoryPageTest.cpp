@@ -76,6 +76,9 @@ TEST_F(HistoryPageTest, ASearchKeepsTheOrderAndCountsTheMatches) {
     ASSERT_TRUE(activate(u"Clear search"_qs));
     EXPECT_EQ(cards().size(), 3);
     EXPECT_FALSE(shows(u"Clear search"_qs)) << "absent without a search";
+    search(u"oldest"_qs);
+    type(Qt::Key_Escape);
+    EXPECT_EQ(cards().size(), 3);
 }
 
 TEST_F(HistoryPageTest, ASearchWithoutMatchesSaysSoAndLeavesTheExport) {

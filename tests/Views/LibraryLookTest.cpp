@@ -131,7 +131,7 @@ TEST_F(LibraryLookTest, TheEditorOfAnEntry) {
         {u"Save entry"_qs, u"13 semibold white"_qs},
         {u"[Save entry]"_qs, u"r9 accent"_qs},
     });
-    EXPECT_EQ(item(u"LorPrimaryButton"_qs, 1)->opacity(), 1) << "disabled it looks no different";
+    EXPECT_EQ(item(u"LorPrimaryButton"_qs)->opacity(), 1) << "disabled it looks no different";
     expectGaps({
         {heading, line, 20},
         {line, u"Preferred name or phrase"_qs, 20},
