@@ -92,7 +92,7 @@ protected:
     PortalSavePanel panel{ours, otherwise};
     const QString name = u"Lorvane History.txt"_s;
 
-    ~PortalSavePanelTest() override {
+    void TearDown() override {
         portal.reset();
         for (const QDBusConnection &connection : {ours, theirs})
             QDBusConnection::disconnectFromBus(connection.name());
