@@ -48,6 +48,8 @@ TEST_F(HistoryPageTest, WithoutRecordsItTellsHowTheyCome) {
             u"Completed dictations are saved here automatically. Start from Home or use Control Option Space."_qs}));
     ASSERT_TRUE(activate(u"History options"_qs));
     EXPECT_FALSE(isEnabled(u"Delete all history…"_qs, QAccessible::MenuItem));
+    activate(u"Delete all history…"_qs, QAccessible::MenuItem);
+    EXPECT_TRUE(sheet().isEmpty());
 }
 
 TEST_F(HistoryPageTest, EachRecordIsACardWithItsFigures) {

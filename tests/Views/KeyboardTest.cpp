@@ -259,7 +259,7 @@ TEST_F(KeyboardTest, ASavedTextIsSelectedAndCopied) {
     type(Qt::Key_C, {}, Qt::ControlModifier);
     EXPECT_EQ(QGuiApplication::clipboard()->text(), u"a "_qs);
     type(Qt::Key_X, u"x"_qs);
-    EXPECT_EQ(store->history().first().text, u"a saved dictation"_qs);
+    EXPECT_TRUE(shows(u"a saved dictation"_qs)) << "it can't be written into";
 }
 
 TEST_F(KeyboardTest, AScreenReaderDoesNotWaitForTheExportsDialog) {

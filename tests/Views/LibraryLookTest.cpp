@@ -12,6 +12,14 @@ protected:
         window->open();
     }
 
+    /// What the button says while the pointer rests on it.
+    static QString tooltip(const QString &name) {
+        for (const QObject *part : button(name)->object()->children())
+            if (part->inherits("QQuickToolTipAttached"))
+                return part->property("text").toString();
+        return {};
+    }
+
     static int sheetWidth() {
         for (const QWindow *open : QGuiApplication::topLevelWindows())
             if (open->isVisible() && open->modality() == Qt::WindowModal)
@@ -50,6 +58,8 @@ TEST_F(LibraryLookTest, History) {
         {date(), u"first"_qs, 15},
         {u"[first]"_qs, u"[second]"_qs, 14},
     });
+    for (const QString &name : {u"Copy dictation"_qs, u"Delete dictation"_qs})
+        EXPECT_EQ(tooltip(name), name);
     expectInset(u"A PLACE FOR EVERY THOUGHT"_qs, u"LorHistoryView"_qs, 36, 36);
     expectInset(date(), u"[first]"_qs, 24, 24);
     EXPECT_EQ(place(u"magnifyingglass"_qs).left() - place(u"[magnifyingglass]"_qs).left(), 11);
@@ -69,6 +79,13 @@ TEST_F(LibraryLookTest, History) {
     EXPECT_EQ(look(message), u"12 muted"_qs);
     EXPECT_LE(place(message).width(), 340);
     typeInto(u"Search your dictations"_qs, {});
+
+    ASSERT_TRUE(activate(u"History options"_qs));
+    EXPECT_EQ(look(u"Delete all history…"_qs), u"13 red"_qs);
+    ASSERT_TRUE(activate(u"Delete all history…"_qs, QAccessible::MenuItem));
+    EXPECT_EQ(look(u"Delete all history"_qs), u"13 red"_qs);
+    ASSERT_TRUE(activate(u"Cancel"_qs));
+
     store->setHistory({});
     EXPECT_EQ(look(u"clock"_qs), u"27 accent"_qs);
 }
@@ -98,6 +115,11 @@ TEST_F(LibraryLookTest, Dictionary) {
         {u"[textformat.abc]"_qs, u"kubectl"_qs, 18},
         {u"kubectl"_qs, u"Recognizes: kube ctl"_qs, 7},
     });
+    const QQuickItem *panel =
+        item(u"DictionaryEntry"_qs)->childItems().first()->childItems().first();
+    EXPECT_EQ(frameLook(*panel), u"r14 panel line"_qs);
+    EXPECT_EQ(item(u"Recognizes: kube ctl"_qs)->property("maximumLineCount").toInt(), 3);
+    EXPECT_EQ(tooltip(u"Copy kubectl"_qs), u"Copy preferred name or phrase"_qs);
     expectSize(u"[textformat.abc]"_qs, 36, 36);
     EXPECT_EQ(place(u"[textformat.abc]"_qs).left(), place(u"[magnifyingglass]"_qs).left() + 20);
     EXPECT_EQ(place(u"plus"_qs).left() - place(u"[plus]"_qs).left(), 18);

@@ -83,6 +83,17 @@ protected:
         return isSymbol(*seen) ? symbolLook(*seen) : textLook(*seen);
     }
 
+    QString frameLook(const QQuickItem &item) {
+        QString look = u"r%1 %2"_qs.arg(item.property("radius").toDouble())
+                           .arg(colorName(item.property("color").value<QColor>()));
+        // A rectangle without an outline tells of a black one.
+        const auto *border = item.property("border").value<QObject *>();
+        const auto outline = border->property("color").value<QColor>();
+        if (border->property("width").toDouble() > 0 && outline != QColor(Qt::black))
+            look += u' ' + colorName(outline);
+        return look;
+    }
+
     QRectF place(const QString &thing, int skipped = 0) {
         const QQuickItem *seen = item(thing, skipped);
         return seen ? seen->mapRectToScene(QRectF({}, seen->size())) : QRectF();
@@ -231,17 +242,6 @@ private:
     QString symbolLook(const QQuickItem &item) {
         return u"%1 %2"_qs.arg(item.property("fontSize").toDouble())
             .arg(colorName(item.property("color").value<QColor>()));
-    }
-
-    QString frameLook(const QQuickItem &item) {
-        QString look = u"r%1 %2"_qs.arg(item.property("radius").toDouble())
-                           .arg(colorName(item.property("color").value<QColor>()));
-        // A rectangle without an outline tells of a black one.
-        const auto *border = item.property("border").value<QObject *>();
-        const auto outline = border->property("color").value<QColor>();
-        if (border->property("width").toDouble() > 0 && outline != QColor(Qt::black))
-            look += u' ' + colorName(outline);
-        return look;
     }
 
     std::unique_ptr<QObject> palette_; ///< has the palette as a property

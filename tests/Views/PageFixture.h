@@ -61,8 +61,10 @@ protected:
     }
 
     /// Types one key into the window that has the focus.
-    static void type(Qt::Key key, const QString &text = {},
+    static void type(Qt::Key key, QString text = {},
                      Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        if (key == Qt::Key_Tab)
+            text = u"\t"_qs;
         QQuickWindow *frame = focusWindow();
         ASSERT_NE(frame, nullptr);
         QKeyEvent down(QEvent::KeyPress, key, modifiers, text);

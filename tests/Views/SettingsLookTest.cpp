@@ -32,8 +32,10 @@ TEST_F(SettingsLookTest, Scratchpad) {
         {u"[LorTextEditor]"_qs, hint, 25},
     });
     expectInset(u"LorTextEditor"_qs, u"[LorTextEditor]"_qs, 20, 20);
+    EXPECT_EQ(item(placeholder)->property("leftPadding").toDouble(), 5);
     store->setScratchpad(u"some text"_qs);
     EXPECT_EQ(look(u"some text"_qs), u"15 ink /6"_qs);
+    EXPECT_EQ(look(u"Clear…"_qs), u"13 red"_qs);
 }
 
 TEST_F(SettingsLookTest, Settings) {
@@ -66,6 +68,8 @@ TEST_F(SettingsLookTest, Settings) {
          u"Your history, dictionary, snippets, and scratchpad are stored locally in this Mac’s Application Support folder. Lorvane does not require an account."_qs,
          16},
     });
+    constexpr int wraps = 4; // Text.Wrap
+    EXPECT_EQ(item(first)->property("wrapMode").toInt(), wraps);
     expectInset(u"⌃  ⌥  Space"_qs, u"[⌃  ⌥  Space]"_qs, 12, 9);
     EXPECT_EQ(place(u"LorPicker"_qs).width(), 205);
     // Five dividers between six settings, three between four grants, one above the last words.
@@ -108,6 +112,8 @@ TEST_F(SettingsLookTest, TheFrameOfTheGuideAndItsFirstStep) {
         {u"[Continue]"_qs, u"Reopen this walkthrough anytime in Settings → Open setup guide."_qs,
          12},
     });
+    EXPECT_EQ(place(u"AppBrandIcon"_qs), QRectF(30, 30, 24, 24));
+    EXPECT_EQ(place(u"AppBrandIcon"_qs, 1).size(), QSizeF(72, 72));
     expectSize(u"[1]"_qs, 26, 26);
     EXPECT_EQ(place(u"[Welcome]"_qs).height(), place(u"Welcome"_qs).height() + 18);
     store->setSetupStepNumber(2);
@@ -149,6 +155,27 @@ TEST_F(SettingsLookTest, TheStepsOfTheGuide) {
         {u"[Check again]"_qs, u"[Allow microphone]"_qs, 12},
     });
     EXPECT_EQ(place(u"Privacy & Security"_qs).width(), 118);
+    const QList<QQuickItem *> circles = item(u"PermissionPanelIllustration"_qs)
+                                            ->childItems()
+                                            .first()
+                                            ->childItems()
+                                            .first()
+                                            ->childItems();
+    const QStringList colours{u"red 0.7"_qs, u"orange 0.7"_qs, u"green 0.7"_qs};
+    for (qsizetype i = 0; i < colours.size(); ++i) {
+        EXPECT_EQ(frameLook(*circles[i]), u"r4 "_qs + colours[i]);
+        EXPECT_EQ(circles[i]->position(), QPointF(13.0 * static_cast<double>(i), circles[i]->y()));
+    }
+    const QQuickItem *scroller = item(u"GrantStep"_qs)->parentItem()->parentItem()->parentItem();
+    EXPECT_EQ(place(u"LorDivider"_qs).top() -
+                  scroller->mapRectToScene(QRectF({}, scroller->size())).bottom(),
+              16);
+    EXPECT_EQ(place(u"LorDivider"_qs, 1).top() - place(u"[Allow microphone]"_qs).bottom(), 16);
+    QQuickWindow *guide = item(u"OnboardingView"_qs)->window();
+    guide->setMinimumSize({});
+    guide->resize(420, 760);
+    expectGaps({{u"[Allow microphone]"_qs, u"[Open Microphone settings]"_qs, 10},
+                {u"[Open Microphone settings]"_qs, u"[Show this app in Finder]"_qs, 10}});
 
     store->setSetupStepNumber(4);
     expectLooks({

@@ -44,6 +44,7 @@ ColumnLayout {
         readonly property real naturalWidth: request.implicitWidth + settings.implicitWidth
                                              + application.implicitWidth + 2 * columnSpacing
 
+        Layout.minimumWidth: 0 // or a row of them would keep the guide from getting narrower
         columns: naturalWidth <= controls.width ? 3 : 1
         columnSpacing: 12
         rowSpacing: 10
