@@ -107,7 +107,7 @@ TEST_F(SnippetsPageTest, ANewSnippetIsWrittenInASheet) {
 }
 
 TEST_F(SnippetsPageTest, ASnippetIsChangedInTheSameSheet) {
-    const Snippet first = snippet(u"sign off"_qs, u"Kind regards"_qs);
+    const Snippet first = snippet(u"sign off"_qs, u" Kind regards\n"_qs);
     open({first, snippet(u"address"_qs, u"Here 1"_qs)});
     ASSERT_TRUE(activate(u"Edit sign off"_qs));
     EXPECT_EQ(sheet(), editor(u"Edit snippet"_qs) + QStringList{u"Save snippet"_qs});
@@ -115,7 +115,7 @@ TEST_F(SnippetsPageTest, ASnippetIsChangedInTheSameSheet) {
     typeTrigger(u"Sign Off"_qs);
     type(Qt::Key_Return);
     EXPECT_TRUE(sheet().isEmpty()) << "its own trigger with new capitals is accepted";
-    EXPECT_EQ(store->snippets().first(), (Snippet{first.id, u"Sign Off"_qs, u"Kind regards"_qs}));
+    EXPECT_EQ(store->snippets().first(), (Snippet{first.id, u"Sign Off"_qs, first.content}));
 }
 
 TEST_F(SnippetsPageTest, ATriggerOfAnotherSnippetIsRefused) {
