@@ -51,7 +51,8 @@ public:
     /// Creates or replaces the file. Throws LocalizedError.
     virtual std::unique_ptr<AudioFileWriter> openForWriting(const QString &path,
                                                             const AudioFormat &format) = 0;
-    /// Reads any format that the library behind it knows. Throws LocalizedError.
+    /// Reads any format that the library behind it knows. A file may still be written meanwhile.
+    /// Throws LocalizedError.
     virtual std::unique_ptr<AudioFileReader> openForReading(const QString &path) = 0;
 };
 

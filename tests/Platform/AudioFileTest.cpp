@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -16,6 +17,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -275,6 +277,19 @@ std::pair<QString, int> fill(SndfileAudioFile &files, const QString &path) {
             return {error, i};
     }
     return {QString(), 10'000};
+}
+
+TEST_F(SndfileAudioFileTest, AFileCanBeOpenedWhileItGrows) {
+    const auto samples = noise(4800, 1);
+    const auto writer = files.openForWriting(path, {48000, 1});
+    std::atomic<bool> isDone = false;
+    const std::jthread writing([&] {
+        for (int i = 0; i < 3000; ++i)
+            writer->write(bufferOf(samples, 1));
+        isDone = true;
+    });
+    while (!isDone)
+        EXPECT_NO_THROW(files.openForReading(path));
 }
 
 TEST_F(SndfileAudioFileTest, AWriteCutShortByALimitIsToldAndTheRestStaysReadable) {

@@ -3,6 +3,7 @@
 #include "Core/LocalizedError.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <sndfile.h>
 
@@ -152,7 +153,19 @@ std::unique_ptr<AudioFileWriter> SndfileAudioFile::openForWriting(const QString 
 }
 
 std::unique_ptr<AudioFileReader> SndfileAudioFile::openForReading(const QString &path) {
-    return std::make_unique<SndfileReader>(path);
+    // The library takes a file for damaged that has grown by a few buffers since it asked for its
+    // length, for the head tells of more by then. That can only be if it has grown.
+    qint64 length = QFileInfo(path).size();
+    while (true) {
+        try {
+            return std::make_unique<SndfileReader>(path);
+        } catch (const LocalizedError &) {
+            const qint64 present = QFileInfo(path).size();
+            if (present == length)
+                throw;
+            length = present;
+        }
+    }
 }
 
 } // namespace lorvane
