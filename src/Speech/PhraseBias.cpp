@@ -100,7 +100,8 @@ std::vector<int> sameWords(const std::vector<Word> &words, const std::vector<Wor
 /// A phrase to listen for.
 struct Phrase {
     std::vector<Token> tokens;
-    QString text; ///< its letters and digits
+    std::vector<Token> tokensInFront; ///< as a sentence begins with it
+    QString text;                     ///< its letters and digits
     std::u16string sounds;
     bool isName = false;
     double likeness = 0; ///< to what was heard without it
@@ -255,7 +256,8 @@ Decoding decodeWithPhrases(Hearing &hearing, const QStringList &phrases, const T
     const std::vector<Word> plainWords = wordsOf(plain, tokens);
     std::vector<Phrase> listened;
     for (const QString &text : phrases) {
-        Phrase phrase{tokens.encode(text), lettersOf(text), soundsOf(text)};
+        Phrase phrase{tokens.encode(text), tokens.encode(text.left(1).toUpper() + text.mid(1)),
+                      lettersOf(text), soundsOf(text)};
         phrase.isName = text.toLower() != text;
         phrase.likeness = replacedBy(phrase, plainWords).likeness;
         listened.push_back(std::move(phrase));
@@ -264,9 +266,12 @@ Decoding decodeWithPhrases(Hearing &hearing, const QStringList &phrases, const T
         PhraseTrie trie;
         for (std::size_t i = 0; i < listened.size(); ++i) {
             const Phrase &phrase = listened[i];
-            if (phrase.likeness >= leastLikeness && phrase.trust > 0)
-                trie.add(phrase.tokens, static_cast<int>(i),
-                         static_cast<float>(phrase.trust * reward(phrase.likeness)));
+            if (phrase.likeness < leastLikeness || phrase.trust <= 0)
+                continue;
+            const auto gain = static_cast<float>(phrase.trust * reward(phrase.likeness));
+            // Else a sentence that begins with it would lose its capital, and the marks after it.
+            for (const auto &spelling : {phrase.tokens, phrase.tokensInFront})
+                trie.add(spelling, static_cast<int>(i), gain);
         }
         if (trie.isEmpty())
             break;

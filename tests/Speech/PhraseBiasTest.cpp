@@ -70,6 +70,15 @@ TEST(PhraseBias, ChangesNothingWhereNoPhraseIsSaid) {
     }
 }
 
+TEST(PhraseBias, LeavesAPhraseAsItIsThatASentenceBeginsWith) {
+    std::vector<float> samples = decodedAudio(promptPath(u"demo-congrats"_qs));
+    samples.resize(15 * SpeechModel::sampleRate);
+    const QString plain = textOf(heard(samples, {}));
+    ASSERT_TRUE(plain.startsWith(u"Congratulations"_qs)) << qPrintable(plain);
+    const QString text = textOf(heard(samples, {u"congratulations"_qs}));
+    EXPECT_EQ(text, plain) << qPrintable(text);
+}
+
 TEST(PhraseBias, KeepsTheTimesOfTheWords) {
     const std::vector<float> samples =
         spoken(u"Please look at the Grafana page again before the meeting."_qs);
