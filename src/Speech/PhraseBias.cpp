@@ -100,7 +100,7 @@ std::vector<int> sameWords(const std::vector<Word> &words, const std::vector<Wor
 /// A phrase to listen for.
 struct Phrase {
     std::vector<Token> tokens;
-    std::vector<Token> tokensInFront; ///< as a sentence begins with it
+    std::vector<Token> tokensInFront; ///< as a sentence was heard to begin with it, or none
     QString text;                     ///< its letters and digits
     std::u16string sounds;
     bool isName = false;
@@ -256,9 +256,11 @@ Decoding decodeWithPhrases(Hearing &hearing, const QStringList &phrases, const T
     const std::vector<Word> plainWords = wordsOf(plain, tokens);
     std::vector<Phrase> listened;
     for (const QString &text : phrases) {
-        Phrase phrase{tokens.encode(text), tokens.encode(text.left(1).toUpper() + text.mid(1)),
-                      lettersOf(text), soundsOf(text)};
+        Phrase phrase{tokens.encode(text), {}, lettersOf(text), soundsOf(text)};
         phrase.isName = text.toLower() != text;
+        const auto inFront = tokens.encode(text.left(1).toUpper() + text.mid(1));
+        if (!std::ranges::search(plain.tokens, inFront).empty())
+            phrase.tokensInFront = inFront;
         phrase.likeness = replacedBy(phrase, plainWords).likeness;
         listened.push_back(std::move(phrase));
     }
@@ -269,9 +271,9 @@ Decoding decodeWithPhrases(Hearing &hearing, const QStringList &phrases, const T
             if (phrase.likeness < leastLikeness || phrase.trust <= 0)
                 continue;
             const auto gain = static_cast<float>(phrase.trust * reward(phrase.likeness));
-            // Else a sentence that begins with it would lose its capital, and the marks after it.
-            for (const auto &spelling : {phrase.tokens, phrase.tokensInFront})
-                trie.add(spelling, static_cast<int>(i), gain);
+            trie.add(phrase.tokens, static_cast<int>(i), gain);
+            // Else that sentence would lose its capital, and the marks after it.
+            trie.add(phrase.tokensInFront, static_cast<int>(i), gain);
         }
         if (trie.isEmpty())
             break;
