@@ -72,7 +72,7 @@ TEST(PhraseBias, ChangesNothingWhereNoPhraseIsSaid) {
 
 TEST(PhraseBias, LeavesAPhraseAsItIsThatASentenceBeginsWith) {
     std::vector<float> samples = decodedAudio(promptPath(u"demo-congrats"_qs));
-    samples.resize(15 * SpeechModel::sampleRate);
+    samples.resize(std::size_t(15) * SpeechModel::sampleRate);
     const QString plain = textOf(heard(samples, {}));
     ASSERT_TRUE(plain.startsWith(u"Congratulations"_qs)) << qPrintable(plain);
     const QString text = textOf(heard(samples, {u"congratulations"_qs}));
