@@ -37,7 +37,7 @@ int main(int argc, char **argv) {
     AppStore store(platform.ports());
     platform.overlay().setMeter(*store.recordingOverlay().meter());
     MainWindow window(engine, store);
-    TrayItem tray(store, window);
+    const TrayItem tray(store, window, engine.paletteColor("accent"));
     QObject::connect(&instance, &SingleInstance::activated, &window, &MainWindow::open);
     window.open();
     // The models take a processor for a second: not before the window is there, which may be never,

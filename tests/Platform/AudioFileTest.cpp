@@ -267,18 +267,6 @@ TEST_F(SndfileAudioFileTest, WhatAKilledProcessHasWrittenReadsBack) {
     }
 }
 
-/// Writes until a write throws and gives the text and the number of whole buffers before it.
-std::pair<QString, int> fill(SndfileAudioFile &files, const QString &path) {
-    const auto samples = noise(2048, 1);
-    const auto writer = files.openForWriting(path, {48000, 1});
-    for (int i = 0; i < 10'000; ++i) {
-        const QString error = errorOf([&] { writer->write(bufferOf(samples, 1)); });
-        if (!error.isEmpty())
-            return {error, i};
-    }
-    return {QString(), 10'000};
-}
-
 TEST_F(SndfileAudioFileTest, AFileCanBeOpenedWhileItGrows) {
     const auto samples = noise(4800, 1);
     const auto writer = files.openForWriting(path, {48000, 1});
@@ -290,6 +278,18 @@ TEST_F(SndfileAudioFileTest, AFileCanBeOpenedWhileItGrows) {
     });
     while (!isDone)
         EXPECT_NO_THROW(files.openForReading(path));
+}
+
+/// Writes until a write throws and gives the text and the number of whole buffers before it.
+std::pair<QString, int> fill(SndfileAudioFile &files, const QString &path) {
+    const auto samples = noise(2048, 1);
+    const auto writer = files.openForWriting(path, {48000, 1});
+    for (int i = 0; i < 10'000; ++i) {
+        const QString error = errorOf([&] { writer->write(bufferOf(samples, 1)); });
+        if (!error.isEmpty())
+            return {error, i};
+    }
+    return {QString(), 10'000};
 }
 
 TEST_F(SndfileAudioFileTest, AWriteCutShortByALimitIsToldAndTheRestStaysReadable) {

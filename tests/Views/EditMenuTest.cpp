@@ -13,9 +13,7 @@ class EditMenuTest : public PageFixture {
 protected:
     void SetUp() override {
         PageFixture::SetUp();
-        TranscriptRecord record;
-        record.text = u"a saved dictation"_qs;
-        store->setHistory({record});
+        store->setHistory({record(u"a saved dictation"_qs)});
         QGuiApplication::clipboard()->setText(u"copied"_qs);
     }
 

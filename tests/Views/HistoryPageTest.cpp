@@ -8,14 +8,6 @@ namespace {
 
 class HistoryPageTest : public PageFixture {
 protected:
-    static TranscriptRecord record(const QString &text, double duration = 3) {
-        TranscriptRecord record;
-        record.createdAt = QDateTime({2026, 3, 14}, {15, 9}, Qt::UTC);
-        record.text = text;
-        record.duration = duration;
-        return record;
-    }
-
     void open(const QStringList &texts) {
         QList<TranscriptRecord> history;
         for (const QString &text : texts)

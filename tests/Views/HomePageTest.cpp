@@ -185,13 +185,8 @@ TEST_F(HomePageTest, TheFinalTranscriptLeadsToTheHistory) {
 
 TEST_F(HomePageTest, TheNewestRecordIsShownWithItsDateAndWords) {
     QList<TranscriptRecord> history;
-    for (int i = 0; i < 1200; ++i) {
-        TranscriptRecord record;
-        record.createdAt = QDateTime({2026, 3, 14}, {15, 9}, Qt::UTC);
-        record.text = i == 0 ? u"newest"_qs : u"one older record"_qs;
-        record.duration = 3;
-        history.append(record);
-    }
+    for (int i = 0; i < 1200; ++i)
+        history.append(record(i == 0 ? u"newest"_qs : u"one older record"_qs));
     store->setHistory(history);
     const TranscriptRecord &newest = store->history().first();
     EXPECT_EQ(page(), homeHead + idleCard + statistics(u"3,598"_qs, u"1200"_qs, u"60m"_qs) +

@@ -18,9 +18,7 @@ class KeyboardTest : public PageFixture {
 protected:
     void SetUp() override {
         PageFixture::SetUp();
-        TranscriptRecord record;
-        record.text = u"a saved dictation"_qs;
-        store->setHistory({record});
+        store->setHistory({record(u"a saved dictation"_qs)});
         store->setVocabulary({{u"kube ctl"_qs, u"kubectl"_qs}, {u"shiv on"_qs, u"Siobhan"_qs}});
         store->setSnippets({{.trigger = u"sign off"_qs, .content = u"Kind regards"_qs}});
         store->setScratchpad(u"a note"_qs);

@@ -20,13 +20,6 @@ namespace lorvane {
 /// area behind it, rounded or not.
 class LookFixture : public PageFixture {
 protected:
-    static TranscriptRecord record(const QString &text) {
-        TranscriptRecord record;
-        record.createdAt = QDateTime({2026, 3, 14}, {15, 9}, Qt::UTC);
-        record.text = text;
-        record.duration = 3;
-        return record;
-    }
     /// What the pages make of its date.
     static QString date() { return dateLabel(record({}).createdAt); }
 

@@ -32,6 +32,15 @@ protected:
         ASSERT_TRUE(activate(name));
     }
 
+    /// A saved dictation of an afternoon.
+    static TranscriptRecord record(const QString &text, double duration = 3) {
+        TranscriptRecord record;
+        record.createdAt = QDateTime({2026, 3, 14}, {15, 9}, Qt::UTC);
+        record.text = text;
+        record.duration = duration;
+        return record;
+    }
+
     /// All that the page area shows, in the order of the screen reader.
     static QStringList pageNames() {
         const QStringList all = names();

@@ -156,8 +156,24 @@ TEST_F(ShellTest, AnErrorHidesTheStatusUntilItIsDismissed) {
     EXPECT_FALSE(button(u"Dismiss message"_qs)) << "without a message there is no banner";
 }
 
+TEST_F(ShellTest, TheTrayItemIsDrawnInTheAccent) {
+    const TrayItem tray(*store, *window, engine.paletteColor("accent"));
+    const QImage drawn = tray.icon().pixmap(64).toImage();
+    int solid = 0;
+    for (int y = 0; y < drawn.height(); ++y) {
+        for (int x = 0; x < drawn.width(); ++x) {
+            const QColor color = drawn.pixelColor(x, y);
+            if (color.alpha() < 255)
+                continue;
+            ++solid;
+            EXPECT_EQ(color, QColor(212, 74, 33)) << x << ", " << y;
+        }
+    }
+    EXPECT_GT(solid, 50);
+}
+
 TEST_F(ShellTest, TheMenuOfTheTrayItemFollowsTheDictation) {
-    TrayItem tray(*store, *window);
+    TrayItem tray(*store, *window, engine.paletteColor("accent"));
     const auto entries = [&] {
         QStringList texts;
         for (const QAction *action : tray.menu().actions()) {
@@ -182,7 +198,7 @@ TEST_F(ShellTest, TheMenuOfTheTrayItemFollowsTheDictation) {
 }
 
 TEST_F(ShellTest, TheMenuOfTheTrayItemActs) {
-    TrayItem tray(*store, *window);
+    TrayItem tray(*store, *window, engine.paletteColor("accent"));
     const auto trigger = [&](const QString &text) {
         for (QAction *action : tray.menu().actions())
             if (action->text() == text)

@@ -29,12 +29,10 @@ LorListCard {
         Repeater {
             model: [card.date, "·", card.words, "·", card.duration]
 
-            LorText {
+            LorDetail {
                 required property string modelData
 
                 text: modelData
-                color: LorPalette.muted
-                font.pixelSize: 11
             }
         }
 

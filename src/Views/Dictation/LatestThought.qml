@@ -23,20 +23,16 @@ LorCard {
         Layout.fillWidth: true
         visible: card.home.hasLatest
 
-        LorText {
+        LorDetail {
             text: card.home.latestDate
-            color: LorPalette.muted
-            font.pixelSize: 11
         }
 
         Item {
             Layout.fillWidth: true
         }
 
-        LorText {
+        LorDetail {
             text: card.home.latestWords
-            color: LorPalette.muted
-            font.pixelSize: 11
         }
     }
 

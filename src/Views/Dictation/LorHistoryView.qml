@@ -78,11 +78,9 @@ LorListPage {
             }
         }
 
-        LorText {
+        LorDetail {
             visible: !history.isEmpty
             text: history.countLabel
-            color: LorPalette.muted
-            font.pixelSize: 11
         }
     }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Core/DateLabel.h"
-
 #include "Core/Models.h"
 
 #include <QString>

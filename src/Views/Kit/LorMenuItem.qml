@@ -12,7 +12,7 @@ T.MenuItem {
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     horizontalPadding: 10
     verticalPadding: 6
-    font.pixelSize: 13
+    font.pixelSize: LorFonts.controlSize
     opacity: enabled ? 1 : LorPalette.disabledOpacity
     Accessible.role: Accessible.MenuItem
     Accessible.name: text

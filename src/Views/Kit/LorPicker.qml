@@ -13,7 +13,7 @@ T.ComboBox {
     implicitHeight: 31
     leftPadding: 11
     rightPadding: 30
-    font.pixelSize: 13
+    font.pixelSize: LorFonts.controlSize
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
     opacity: enabled ? 1 : LorPalette.disabledOpacity

@@ -10,7 +10,7 @@ LorButton {
     property color color: LorPalette.ink
     property bool showsText: true
 
-    font.pixelSize: 13
+    font.pixelSize: LorFonts.controlSize
 
     // An icon alone is small, so a click just beside it counts, too.
     TapHandler {

@@ -9,7 +9,7 @@ LorButton {
 
     horizontalPadding: 18
     verticalPadding: 11
-    font.pixelSize: 13
+    font.pixelSize: LorFonts.controlSize
     font.weight: LorFonts.semibold
     focusRadius: 9
     opacity: 1

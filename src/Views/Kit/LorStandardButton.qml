@@ -13,7 +13,7 @@ LorButton {
 
     horizontalPadding: 14
     verticalPadding: 7
-    font.pixelSize: 13
+    font.pixelSize: LorFonts.controlSize
     focusRadius: 7
 
     background: Rectangle {

@@ -30,7 +30,7 @@ Flickable {
         leftPadding: editor.inset
         rightPadding: editor.inset
         color: LorPalette.ink
-        font.pixelSize: 13
+        font.pixelSize: LorFonts.controlSize
         textFormat: TextEdit.PlainText
         wrapMode: TextEdit.Wrap
         selectByMouse: true

@@ -15,7 +15,7 @@ T.TextField {
     rightPadding: 8
     verticalAlignment: Text.AlignVCenter
     color: LorPalette.ink
-    font.pixelSize: 13
+    font.pixelSize: LorFonts.controlSize
     selectByMouse: true
     selectionColor: LorPalette.accent
     selectedTextColor: LorPalette.white

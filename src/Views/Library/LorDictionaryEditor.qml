@@ -46,11 +46,9 @@ LorSheet {
             onClicked: sheet.editor.addVariant()
         }
 
-        LorText {
+        LorDetail {
             Layout.fillWidth: true
             text: "Enter spellings Apple Speech actually writes. Sound-alike variants are matched as whole phrases; they are not guessed automatically. Leave variants empty to keep only the preferred spelling."
-            color: LorPalette.muted
-            font.pixelSize: 11
             wrapMode: Text.Wrap
         }
     }

@@ -45,11 +45,9 @@ LorSheet {
             }
         }
 
-        LorText {
+        LorDetail {
             Layout.fillWidth: true
             text: "Edit or paste any text here, including multiple lines. Changes are applied only when you save."
-            color: LorPalette.muted
-            font.pixelSize: 11
             wrapMode: Text.Wrap
         }
     }

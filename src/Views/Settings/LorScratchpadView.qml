@@ -28,10 +28,8 @@ Item {
         RowLayout {
             spacing: 8
 
-            LorText {
+            LorDetail {
                 text: pad.wordCount
-                color: LorPalette.muted
-                font.pixelSize: 11
             }
 
             Item {

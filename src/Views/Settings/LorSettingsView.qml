@@ -64,10 +64,8 @@ LorScrollPage {
             Layout.fillWidth: true
         }
 
-        LorText {
+        LorDetail {
             text: "Your voice. Your workspace."
-            color: LorPalette.muted
-            font.pixelSize: 11
         }
     }
 }

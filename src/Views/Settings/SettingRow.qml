@@ -25,11 +25,9 @@ RowLayout {
             wrapMode: Text.Wrap
         }
 
-        LorText {
+        LorDetail {
             Layout.fillWidth: true
             text: row.detail
-            color: LorPalette.muted
-            font.pixelSize: 11
             wrapMode: Text.Wrap
         }
     }

@@ -27,11 +27,9 @@ ColumnLayout {
         wrapMode: Text.Wrap
     }
 
-    LorText {
+    LorDetail {
         Layout.fillWidth: true
         text: page.setup.remark
-        color: LorPalette.muted
-        font.pixelSize: 11
         wrapMode: Text.Wrap
     }
 }

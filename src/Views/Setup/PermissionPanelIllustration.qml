@@ -148,11 +148,9 @@ Rectangle {
                     }
                 }
 
-                LorText {
+                LorDetail {
                     id: advice
                     text: "Turn on the switch beside Lorvane."
-                    color: LorPalette.muted
-                    font.pixelSize: 11
                     Accessible.ignored: true
                 }
             }

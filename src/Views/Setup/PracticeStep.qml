@@ -71,11 +71,9 @@ ColumnLayout {
         }
     }
 
-    LorText {
+    LorDetail {
         Layout.fillWidth: true
         text: "Click inside the box before holding the shortcut. Without paste access, use ⌘V after transcription. You can also click the microphone on Home to start and finish a recording."
-        color: LorPalette.muted
-        font.pixelSize: 11
         wrapMode: Text.Wrap
     }
 }

@@ -10,16 +10,14 @@ namespace lorvane {
 
 namespace {
 
-/// The accent stands out on light and dark panels alike.
-QIcon trayIcon(bool isRecording) {
-    return Symbols::icon(isRecording ? u"waveform.circle.fill"_qs : u"waveform"_qs,
-                         QColor::fromRgbF(0.83F, 0.29F, 0.13F));
+QIcon trayIcon(bool isRecording, const QColor &color) {
+    return Symbols::icon(isRecording ? u"waveform.circle.fill"_qs : u"waveform"_qs, color);
 }
 
 } // namespace
 
-TrayItem::TrayItem(AppStore &store, MainWindow &window, QObject *parent)
-    : QObject(parent), store_(store), toggle_(store), icon_(trayIcon(false)) {
+TrayItem::TrayItem(AppStore &store, MainWindow &window, const QColor &color, QObject *parent)
+    : QObject(parent), store_(store), color_(color), toggle_(store), icon_(trayIcon(false, color)) {
     menu_.addAction(u"Open Lorvane"_qs, &window, &MainWindow::open);
     menu_.addSeparator();
     menu_.addAction(&toggle_);
@@ -47,7 +45,7 @@ void TrayItem::refresh() {
     // The store tells of every buffer of the microphone; the panel needn't hear of each.
     if (isRecording != showsRecording_) {
         showsRecording_ = isRecording;
-        icon_.setIcon(trayIcon(isRecording));
+        icon_.setIcon(trayIcon(isRecording, color_));
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "Views/Shell/DictationAction.h"
 
+#include <QColor>
 #include <QMenu>
 #include <QObject>
 #include <QSystemTrayIcon>
@@ -18,17 +19,20 @@ class MainWindow;
 class TrayItem : public QObject {
     Q_OBJECT
 public:
-    /// Shows the item. `store` and `window` outlive it.
-    TrayItem(AppStore &store, MainWindow &window, QObject *parent = nullptr);
+    /// Shows the item, drawn in `color`. `store` and `window` outlive it.
+    TrayItem(AppStore &store, MainWindow &window, const QColor &color, QObject *parent = nullptr);
     ~TrayItem() override;
 
     /// The menu that the item opens.
     QMenu &menu() { return menu_; }
 
+    QIcon icon() const { return icon_.icon(); }
+
 private:
     void refresh();
 
     AppStore &store_;
+    const QColor color_;
     DictationAction toggle_;
     QMenu menu_;
     QAction *cancel_ = nullptr;

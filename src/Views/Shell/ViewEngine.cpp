@@ -19,6 +19,9 @@
 #include "Views/Setup/SetupModel.h"
 
 #include <QGuiApplication>
+#include <QQmlComponent>
+
+#include <memory>
 
 namespace lorvane {
 
@@ -42,6 +45,16 @@ ViewEngine::ViewEngine(QObject *parent) : QQmlEngine(parent) {
     addImageProvider(u"shadow"_qs, new ShadowProvider);
     addImageProvider(u"symbol"_qs, new SymbolProvider);
     QGuiApplication::setWindowIcon(Symbols::appIcon());
+}
+
+QColor ViewEngine::paletteColor(const QByteArray &name) {
+    QQmlComponent component(this);
+    component.setData("import QtQuick; import Lorvane; "
+                      "QtObject { readonly property color value: LorPalette." +
+                          name + " }",
+                      {});
+    const std::unique_ptr<QObject> holder(component.create());
+    return holder ? holder->property("value").value<QColor>() : QColor();
 }
 
 } // namespace lorvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QQmlEngine>
 
 namespace lorvane {
@@ -10,6 +11,9 @@ class ViewEngine : public QQmlEngine {
     Q_OBJECT
 public:
     explicit ViewEngine(QObject *parent = nullptr);
+
+    /// A colour of LorPalette by its name there, invalid if there is none.
+    QColor paletteColor(const QByteArray &name);
 };
 
 } // namespace lorvane
