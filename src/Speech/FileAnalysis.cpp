@@ -126,9 +126,12 @@ void FileAnalysis::cut(const std::stop_token &stop) {
     while (waiting_ || windowsCut_ * VoiceActivity::windowSize < heard_) {
         if (!waiting_)
             waiting_ = cutter_.add(probabilities[windowsCut_++]);
-        if (waiting_)
-            recognize(*waiting_, stop);
+        if (!waiting_)
+            continue;
+        recognize(*waiting_, stop);
         waiting_.reset();
+        // What one stretch has left in pieces the next can't use: in an hour it would add up.
+        engine_->trim();
     }
 }
 

@@ -21,6 +21,9 @@ public:
     /// The engine for a job of the worker's, on its thread alone.
     SpeechEngine &use();
 
+    /// Gives back now what recognition has freed. Any thread.
+    void trim();
+
     /// Loads the model when the worker has nothing else to do. Any thread.
     void loadInBackground();
 
@@ -33,7 +36,6 @@ private:
     };
     void await(Rest &rest);
     void endRest(Rest &rest);
-    void trim();
     void unload();
 
     const std::unique_ptr<SpeechEngine> engine_;

@@ -13,6 +13,8 @@
 
 #include <future>
 
+#include <malloc.h>
+
 namespace lorvane {
 namespace {
 
@@ -172,6 +174,27 @@ TEST(FileAnalyzer, IsThereOnlyWhereAModelIsInstalled) {
     EXPECT_FALSE(realSpeech().makeAnalyzer(u"de-DE"_qs, {}));
     SndfileAudioFile audioFile;
     EXPECT_FALSE(OnDeviceSpeech(audioFile, u"/nowhere"_qs).makeAnalyzer(u"en-US"_qs, {}));
+}
+
+TEST(FileAnalyzer, KeepsNothingOfAStretchForTheNext) {
+    RealEngine real(u"tiny"_qs);
+    const QString path = writeAudio(speech(50).first);
+    qint64 freed = 0;
+    std::size_t count = 0;
+    real.run([&](const std::stop_token &stop) {
+        SndfileAudioFile audioFile;
+        const auto file = audioFile.openForReading(path);
+        FileAnalysis analysis(file->format(), real.engine, {});
+        analysis.advance(*file, stop);
+        count = analysis.settledCount();
+        const qint64 before = residentBytes();
+        malloc_trim(0);
+        freed = before - residentBytes();
+    });
+    EXPECT_GE(count, 2U);
+    const double megabytes = static_cast<double>(freed) / (1 << 20);
+    std::printf("Figure: %.1f MB stay with the C library after a stretch\n", megabytes);
+    EXPECT_LT(megabytes, 4);
 }
 
 TEST(FileAnalyzer, NeedsNoMoreMemoryForALongRecording) {
