@@ -14,7 +14,7 @@ namespace {
 using namespace std::chrono_literals;
 
 /// From the start of one transcription to that of the next, if it doesn't take longer itself.
-constexpr auto updateInterval = 500ms;
+constexpr auto updateInterval = 400ms;
 /// The share of its time that the worker rests after a transcription, to stay below one core.
 constexpr int restingShare = 4;
 
