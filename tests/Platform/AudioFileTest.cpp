@@ -39,8 +39,6 @@ void operator delete(void *memory, std::size_t) noexcept { std::free(memory); }
 namespace lorvane {
 namespace {
 
-using testing::HasSubstr;
-
 std::vector<float> noise(qint64 frameCount, int channelCount, unsigned seed = 1) {
     std::mt19937 random(seed);
     std::uniform_real_distribution<float> sample(-1, 1);
