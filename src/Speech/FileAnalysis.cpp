@@ -88,7 +88,7 @@ void FileAnalysis::finish(AudioFileReader &file, OnResult onResult, const std::s
     listen(VoiceActivity::windowSize, stop);
     for (const VoiceSpan &stretch :
          cutter_.finish(static_cast<double>(end()) / SpeechModel::sampleRate))
-        recognize(stretch, stop);
+        recognize(stretch, {}, stop); // somebody waits for it
 }
 
 bool FileAnalysis::take(AudioFileReader &file) {
@@ -128,19 +128,33 @@ void FileAnalysis::cut(const std::stop_token &stop) {
             waiting_ = cutter_.add(probabilities[windowsCut_++]);
         if (!waiting_)
             continue;
-        recognize(*waiting_, stop);
+        recognize(*waiting_, voiceIn(*waiting_), stop);
         waiting_.reset();
         // What one stretch has left in pieces the next can't use: in an hour it would add up.
         engine_->trim();
     }
 }
 
-void FileAnalysis::recognize(VoiceSpan stretch, const std::stop_token &stop) {
-    const std::vector<float> voice =
+/// Where there is a voice, from the start of the stretch.
+std::vector<VoiceSpan> FileAnalysis::voiceIn(VoiceSpan stretch) const {
+    constexpr double window = VoiceActivity::secondsPerWindow;
+    const auto first = static_cast<std::size_t>(stretch.start / window);
+    const std::size_t last = std::min(static_cast<std::size_t>(stretch.end / window), windowsCut_);
+    std::vector<VoiceSpan> spans =
+        voiceSpans(std::span(activity_.probabilities()).subspan(first, last - first));
+    for (VoiceSpan &span : spans) {
+        span.start += static_cast<double>(first) * window - stretch.start;
+        span.end += static_cast<double>(first) * window - stretch.start;
+    }
+    return spans;
+}
+
+void FileAnalysis::recognize(VoiceSpan stretch, const std::vector<VoiceSpan> &voice,
+                             const std::stop_token &stop) {
+    const std::vector<float> audio =
         amplified(samples(sampleAt(stretch.start), sampleAt(stretch.end)), gain_);
-    const double duration = static_cast<double>(voice.size()) / SpeechModel::sampleRate;
     const QList<TimedWord> words =
-        engine_->use().recognizeStretch(voice, {0, duration}, engine_->size(), options_, stop);
+        engine_->use().recognizeTwice(audio, voice, engine_->size(), options_, stop);
     const QString text = makeResult(words, true).formattedString.trimmed();
     if (text.isEmpty())
         return;

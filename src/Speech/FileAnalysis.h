@@ -40,7 +40,10 @@ private:
     /// Listens on as long as at least `leastSamples` are unheard.
     void listen(std::size_t leastSamples, const std::stop_token &stop);
     void cut(const std::stop_token &stop);
-    void recognize(VoiceSpan stretch, const std::stop_token &stop);
+    std::vector<VoiceSpan> voiceIn(VoiceSpan stretch) const;
+    /// Divides it where there is no `voice` to hear it a second time, or hears it once without any.
+    void recognize(VoiceSpan stretch, const std::vector<VoiceSpan> &voice,
+                   const std::stop_token &stop);
     void forget();
     std::size_t end() const { return firstSample_ + samples_.size(); }
     std::span<const float> samples(std::size_t from, std::size_t to) const;

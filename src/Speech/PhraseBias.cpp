@@ -2,6 +2,7 @@
 
 #include "Speech/BeamSearch.h"
 #include "Speech/Phonetics.h"
+#include "Speech/SameWords.h"
 
 #include <QSet>
 
@@ -72,29 +73,11 @@ std::vector<Word> wordsOf(const Decoding &decoding, const TokenTable &tokens) {
     return words;
 }
 
-/// For each of `words` the place of the same one in `others`, or -1: the longest common
-/// subsequence.
-std::vector<int> sameWords(const std::vector<Word> &words, const std::vector<Word> &others) {
-    const std::size_t columns = others.size() + 1;
-    std::vector<int> length((words.size() + 1) * columns);
-    for (std::size_t i = words.size(); i-- > 0;) {
-        for (std::size_t j = others.size(); j-- > 0;) {
-            length[i * columns + j] =
-                words[i].text == others[j].text
-                    ? length[(i + 1) * columns + j + 1] + 1
-                    : std::max(length[(i + 1) * columns + j], length[i * columns + j + 1]);
-        }
-    }
-    std::vector<int> same(words.size(), -1);
-    for (std::size_t i = 0, j = 0; i < words.size() && j < others.size();) {
-        if (words[i].text == others[j].text)
-            same[i++] = static_cast<int>(j++);
-        else if (length[(i + 1) * columns + j] >= length[i * columns + j + 1])
-            ++i;
-        else
-            ++j;
-    }
-    return same;
+QStringList textsOf(const std::vector<Word> &words) {
+    QStringList texts;
+    for (const Word &word : words)
+        texts.append(word.text);
+    return texts;
 }
 
 /// A phrase to listen for.
@@ -166,7 +149,7 @@ struct Difference {
 
 std::vector<Difference> differences(const std::vector<Word> &words,
                                     const std::vector<Word> &others) {
-    const std::vector<int> same = sameWords(words, others);
+    const std::vector<int> same = sameWords(textsOf(words), textsOf(others));
     std::vector<Difference> found;
     std::size_t first = 0;
     std::size_t otherFirst = 0;

@@ -4,6 +4,7 @@
 #include "Speech/Level.h"
 #include "Speech/OwnWords.h"
 #include "Speech/PhraseBias.h"
+#include "Speech/SecondHearing.h"
 #include "Speech/Stretches.h"
 
 #include <algorithm>
@@ -69,12 +70,29 @@ QList<TimedWord> SpeechEngine::recognize(std::span<const float> samples, const Q
 QList<TimedWord> SpeechEngine::recognizeStretch(std::span<const float> samples, VoiceSpan stretch,
                                                 const QString &size, const SpeechOptions &options,
                                                 const std::stop_token &stop) {
+    return hear(samples, stretch, size, options.contextualStrings, false, stop);
+}
+
+QList<TimedWord> SpeechEngine::recognizeTwice(std::span<const float> samples,
+                                              const std::vector<VoiceSpan> &voice,
+                                              const QString &size, const SpeechOptions &options,
+                                              const std::stop_token &stop) {
+    const double duration = static_cast<double>(samples.size()) / SpeechModel::sampleRate;
+    return hearTwice({0, duration}, partsOf(voice, duration), options.contextualStrings,
+                     [&](VoiceSpan part, const QStringList &phrases) {
+                         return hear(samples, part, size, phrases, true, stop);
+                     });
+}
+
+QList<TimedWord> SpeechEngine::hear(std::span<const float> samples, VoiceSpan stretch,
+                                    const QString &size, const QStringList &phrases,
+                                    bool withLogProbabilities, const std::stop_token &stop) {
     return hearWithoutLoss(samples, stretch, [&](VoiceSpan part) {
         // A part may be all silence, which the model would make words of.
         const bool isPart = part.start > stretch.start || part.end < stretch.end;
         return isPart && !hasVoice(partOf(samples, part), stop)
                    ? Attempt()
-                   : attempt(samples, part, size, options, stop);
+                   : attempt(samples, part, size, phrases, withLogProbabilities, stop);
     });
 }
 
@@ -85,14 +103,13 @@ bool SpeechEngine::hasVoice(std::span<const float> samples, const std::stop_toke
 }
 
 Attempt SpeechEngine::attempt(std::span<const float> samples, VoiceSpan stretch,
-                              const QString &size, const SpeechOptions &options,
-                              const std::stop_token &stop) {
+                              const QString &size, const QStringList &phrases,
+                              bool withLogProbabilities, const std::stop_token &stop) {
     const std::span<const float> voice = partOf(samples, stretch);
     Hearing hearing = model(size).hear(voice, stop);
-    const Decoding decoding =
-        options.contextualStrings.isEmpty()
-            ? decodeGreedily(hearing, false, stop)
-            : decodeWithPhrases(hearing, options.contextualStrings, *tokens_, stop);
+    const Decoding decoding = phrases.isEmpty()
+                                  ? decodeGreedily(hearing, withLogProbabilities, stop)
+                                  : decodeWithPhrases(hearing, phrases, *tokens_, stop);
     Attempt attempt{
         timedWords(decoding, *tokens_, static_cast<double>(voice.size()) / SpeechModel::sampleRate),
         decoding.isBroken};

@@ -35,11 +35,22 @@ public:
                                       const QString &size, const SpeechOptions &options,
                                       const std::stop_token &stop);
 
+    /// The words of one stretch, `samples`, with times from its start. Where it isn't sure of them,
+    /// it hears it a second time, divided at the pauses between the spans of `voice`: at no more
+    /// than twice the cost. Throws the same.
+    QList<TimedWord> recognizeTwice(std::span<const float> samples,
+                                    const std::vector<VoiceSpan> &voice, const QString &size,
+                                    const SpeechOptions &options, const std::stop_token &stop);
+
 private:
     SpeechModel &model(const QString &size);
     bool hasVoice(std::span<const float> samples, const std::stop_token &stop);
+    QList<TimedWord> hear(std::span<const float> samples, VoiceSpan stretch, const QString &size,
+                          const QStringList &phrases, bool withLogProbabilities,
+                          const std::stop_token &stop);
     Attempt attempt(std::span<const float> samples, VoiceSpan stretch, const QString &size,
-                    const SpeechOptions &options, const std::stop_token &stop);
+                    const QStringList &phrases, bool withLogProbabilities,
+                    const std::stop_token &stop);
 
     OnnxRuntime &runtime_;
     ModelFolder folder_;

@@ -18,6 +18,7 @@ struct Piece {
     QByteArray utf8;
     double first = 0; ///< when its first and last tokens begin, in seconds
     double last = 0;
+    double logProbability = 0;
 };
 
 /// Whether there is something to say in a text, not only marks.
@@ -38,11 +39,13 @@ std::vector<Piece> pieces(const Decoding &decoding, const TokenTable &tokens) {
         const QByteArray text = bytes.trimmed();
         const bool beginsWord = words.empty() || bytes.startsWith(' ');
         if (beginsWord && (words.empty() || !words.back().utf8.isEmpty()))
-            words.push_back({{}, time, time});
+            words.push_back({{}, time, time, 0});
         else if (words.back().utf8.isEmpty())
             words.back().first = time;
         words.back().utf8 += text;
         words.back().last = time;
+        if (!decoding.logProbabilities.empty())
+            words.back().logProbability += static_cast<double>(decoding.logProbabilities[i]);
     }
     return words;
 }
@@ -85,10 +88,11 @@ QList<TimedWord> timedWords(const Decoding &decoding, const TokenTable &tokens, 
     for (const Piece &piece : pieces(decoding, tokens)) {
         const QString text = QString::fromUtf8(piece.utf8);
         if (isSpoken(text)) {
-            words.append({text, piece.first, duration});
+            words.append({text, piece.first, duration, piece.logProbability});
             lastTokens.push_back(piece.last);
         } else if (!words.isEmpty() && !text.isEmpty()) {
             words.last().text += u' ' + text; // a dash between two words
+            words.last().logProbability += piece.logProbability;
         }
     }
     double earliest = 0;

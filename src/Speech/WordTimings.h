@@ -11,6 +11,8 @@ struct TimedWord {
     QString text;
     double start = 0;
     double end = 0;
+    /// The logarithm of its probability after the words before it, 0 where that wasn't asked for.
+    double logProbability = 0;
 };
 
 /// The frame at which each row of `attention` (rows × frames) looks, so that the frames never go

@@ -95,6 +95,72 @@ TEST_F(FollowedRecordingTest, GivesBitForBitWhatTheFinishedFileGives) {
     EXPECT_EQ(finish(*analysis), fresh);
 }
 
+/// Sentences with short pauses, in which the model mishears a word when it hears them all at once.
+class SecondHearingTest : public testing::Test {
+protected:
+    SecondHearingTest() {
+        for (const auto *name : {u"tt-weasels", u"vm-rec-unv", u"conf-waitforleader"}) {
+            const std::vector<float> prompt = decodedAudio(promptPath(QString::fromUtf16(name)));
+            samples_.insert(samples_.end(), prompt.begin(), prompt.end());
+            pause(0.3);
+        }
+    }
+
+    void pause(double seconds) {
+        samples_.resize(samples_.size() + static_cast<std::size_t>(seconds * sampleRate));
+    }
+    static QString misheard() { return u"say you're an unavailable"_qs; }
+    static QString heardAgain() { return u"say your unavailable"_qs; }
+
+    SndfileAudioFile audioFile_;
+    std::vector<float> samples_;
+    RealEngine real_{QStringLiteral("base")};
+};
+
+TEST_F(SecondHearingTest, IsOfWhatIsSettledNotOfWhatSomebodyWaitsFor) {
+    const auto heardWith = [&](const QStringList &phrases) {
+        const auto file = audioFile_.openForReading(writeAudio(samples_));
+        FileAnalysis analysis(file->format(), real_.engine, phrases);
+        QString text;
+        analysis.finish(*file, [&](const SpeechAnalysisResult &result) { text += result.text; },
+                        {});
+        return text;
+    };
+    const QString last = heardWith({});
+    EXPECT_TRUE(last.contains(misheard())) << qPrintable(last);
+    pause(3);
+    const QString settled = heardWith({});
+    EXPECT_TRUE(settled.contains(heardAgain())) << qPrintable(settled);
+    EXPECT_EQ(heardWith({u"Anirudh"_qs}), settled) << "with a phrase that nobody says";
+    EXPECT_EQ(heardWith({u"weasels"_qs}), last) << "with a phrase in the stretch";
+}
+
+TEST_F(SecondHearingTest, IsTheSameWhenItIsDoneAhead) {
+    const QString path = writeAudio({});
+    const auto writer = audioFile_.openForWriting(path, {sampleRate, 1});
+    pause(8); // the work ahead listens some seconds behind
+    const auto followed = std::make_shared<FollowedRecording>(audioFile_, real_.worker,
+                                                              real_.engine, path, QStringList());
+    followed->start();
+    for (std::size_t written = 0; written < samples_.size();) {
+        const std::size_t count = std::min<std::size_t>(sampleRate, samples_.size() - written);
+        writer->write({samples_.data() + written, static_cast<qsizetype>(count), 1});
+        written += count;
+        real_.pass(1s);
+    }
+    std::unique_ptr<FileAnalysis> analysis;
+    real_.run([&](const std::stop_token &) { analysis = followed->take(); });
+    ASSERT_TRUE(analysis);
+    EXPECT_EQ(analysis->settledCount(), 1U);
+    const auto file = audioFile_.openForReading(path);
+    FileAnalysis fresh(file->format(), real_.engine, {});
+    Results results[2];
+    analysis->finish(*file, [&](const auto &result) { results[0].push_back(result); }, {});
+    fresh.finish(*file, [&](const auto &result) { results[1].push_back(result); }, {});
+    EXPECT_EQ(results[0], results[1]);
+    EXPECT_TRUE(results[0].front().text.contains(heardAgain()));
+}
+
 TEST_F(FollowedRecordingTest, GoesOnWhereItWasInterrupted) {
     while (!isWritten())
         write(1);

@@ -70,6 +70,21 @@ TEST(TimedWords, AreJoinedFromTokensWithTheirPunctuation) {
     EXPECT_NEAR(words[1].start, 0.48, 1e-9);
 }
 
+TEST(TimedWords, AreAsProbableAsTheirTokensTogether) {
+    Decoding decoding = decodingOf(table(), u"Hello, unbelievable – world!"_qs, {10, 20}, 100);
+    double sum = 0;
+    for (std::size_t i = 0; i < decoding.tokens.size(); ++i) {
+        decoding.logProbabilities.push_back(-0.25F * static_cast<float>(i + 1));
+        sum -= 0.25 * static_cast<double>(i + 1);
+    }
+    const QList<TimedWord> words = timedWords(decoding, table(), 2.4);
+    ASSERT_EQ(words.size(), 3);
+    EXPECT_EQ(words[0].logProbability, -0.25 - 0.5) << "its comma is a token";
+    EXPECT_EQ(words[0].logProbability + words[1].logProbability + words[2].logProbability, sum);
+    decoding.logProbabilities.clear();
+    EXPECT_EQ(timedWords(decoding, table(), 2.4)[0].logProbability, 0);
+}
+
 TEST(TimedWords, StayInsideTheAudioAndNeverGoBack) {
     Decoding decoding = decodingOf(table(), u"one two three"_qs, {0, 99, 99}, 100);
     decoding.firstFrameTime = -0.3;

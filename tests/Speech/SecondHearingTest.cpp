@@ -1,0 +1,215 @@
+#include "Speech/SecondHearing.h"
+#include "Speech/Abandoned.h"
+#include "Speech/SameWords.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+namespace lorvane {
+namespace {
+
+/// The words of a text, half a second each from `start` on, with one probability for all but those
+/// that are followed by a number: "maybe/-0.5".
+QList<TimedWord> words(const QString &text, double start = 0, double logProbability = -0.1) {
+    QList<TimedWord> words;
+    for (const QString &word : text.split(u' ', Qt::SkipEmptyParts)) {
+        const double own = word.contains(u'/') ? word.section(u'/', 1).toDouble() : logProbability;
+        words.append({word.section(u'/', 0, 0), start, start + 0.4, own});
+        start += 0.5;
+    }
+    return words;
+}
+
+QString textOf(const QList<TimedWord> &words) {
+    QStringList texts;
+    for (const TimedWord &word : words)
+        texts.append(word.text);
+    return texts.join(u' ');
+}
+
+QString surer(const QString &text, const QString &other) {
+    return textOf(surerWords(words(text), words(other)));
+}
+
+TEST(SameWords, AreInTheOrderOfBoth) {
+    EXPECT_EQ(sameWords({u"a"_qs, u"b"_qs, u"c"_qs, u"d"_qs}, {u"b"_qs, u"x"_qs, u"d"_qs}),
+              (std::vector<int>{-1, 0, -1, 2}));
+    EXPECT_EQ(sameWords({u"a"_qs}, {}), (std::vector<int>{-1}));
+    EXPECT_TRUE(sameWords({}, {u"a"_qs}).empty());
+}
+
+TEST(SurerWords, AreTakenFromEitherHearing) {
+    EXPECT_EQ(surer(u"Please/-0.2 that/-2 your pound key/-0.1 twice."_qs,
+                    u"Please/-0.2 enter/-0.1 your pound gee/-1.5 twice."_qs),
+              u"Please enter your pound key twice."_qs);
+}
+
+TEST(SurerWords, AreJudgedByTheWordAfterThemToo) {
+    EXPECT_EQ(surer(u"the lower/-0.3 case/-1.2 is"_qs, u"the lowercase/-0.8 is"_qs),
+              u"the lowercase is"_qs);
+    EXPECT_EQ(surer(u"they as/-0.6 been"_qs, u"they has been/-0.9"_qs), u"they as been"_qs);
+    EXPECT_EQ(surer(u"they as/-0.3 been/-1.2"_qs, u"they has/-0.5 been/-0.1"_qs),
+              u"they has been"_qs);
+}
+
+TEST(SurerWords, StayAsTheyWereHeardFirstWhereBothAreAboutAsSure) {
+    EXPECT_EQ(surer(u"one or two"_qs, u"one of two"_qs), u"one or two"_qs);
+    EXPECT_EQ(surer(u"one or/-0.5 two"_qs, u"one of/-0.2 two"_qs), u"one or two"_qs);
+    EXPECT_EQ(surer(u"one or/-0.7 two"_qs, u"one of/-0.2 two"_qs), u"one of two"_qs);
+}
+
+TEST(SurerWords, KeepMarksAndCapitalsWhereTheSameIsSaid) {
+    EXPECT_EQ(surer(u"He came,/-3 and/-3 then he went."_qs, u"He came. And then he went."_qs),
+              u"He came, and then he went."_qs);
+}
+
+TEST(SurerWords, BringTheMarksAndCapitalsThatGoWithThem) {
+    // No full stop without the capital after it, and no capital without the full stop before it.
+    EXPECT_EQ(surer(u"the pound/-1 gee/-2 and then hold"_qs, u"the pound key. And then hold"_qs),
+              u"the pound key. And then hold"_qs);
+    EXPECT_EQ(surer(u"the pound/-1 key/-2 and then hold"_qs, u"the pound. Gee/-9 and then hold"_qs),
+              u"the pound key and then hold"_qs);
+}
+
+TEST(SurerWords, LoseNothingAtTheEnds) {
+    EXPECT_EQ(surer(u"So/-1 it is"_qs, u"And so it is"_qs), u"And so it is"_qs);
+    EXPECT_EQ(surer(u"it is so/-9"_qs, u"it is"_qs), u"it is so"_qs);
+    EXPECT_EQ(surer(u"it is/-9 so"_qs, u"it so"_qs), u"it is so"_qs);
+    EXPECT_EQ(surer(u"it is so"_qs, QString()), u"it is so"_qs) << "nothing was heard";
+    EXPECT_EQ(surer(QString(), QString()), QString());
+}
+
+/// Each word with the one before it, and the ends.
+QStringList neighbours(const QList<TimedWord> &words) {
+    const QStringList texts = (u". "_qs + textOf(words) + u" ."_qs).simplified().split(u' ');
+    QStringList pairs;
+    for (qsizetype i = 1; i < texts.size(); ++i)
+        pairs.append(texts[i - 1] + u' ' + texts[i]);
+    return pairs;
+}
+
+TEST(SurerWords, StandBesideEachOtherInOneHearingAndKeepWhatBothAgreeOn) {
+    const unsigned seed = std::random_device()();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random(seed);
+    const auto upTo = [&](int last) { return std::uniform_int_distribution(0, last)(random); };
+    const auto hearing = [&] {
+        QString text;
+        for (int i = 0, count = upTo(11); i < count; ++i)
+            text += u"%1/%2 "_qs.arg(QChar(u'a' + upTo(3))).arg(-0.1 * upTo(20));
+        return words(text, 0.1 * upTo(9));
+    };
+    for (int run = 0; run < 1000; ++run) {
+        const QList<TimedWord> first = hearing();
+        const QList<TimedWord> second = hearing();
+        const QList<TimedWord> surer = surerWords(first, second);
+        SCOPED_TRACE(
+            qPrintable(textOf(first) + u" and "_qs + textOf(second) + u": "_qs + textOf(surer)));
+        for (qsizetype i = 0; i < surer.size(); ++i) {
+            ASSERT_LE(surer[i].start, surer[i].end);
+            if (i) {
+                ASSERT_LE(surer[i - 1].end, surer[i].start);
+            }
+        }
+        const QStringList known = neighbours(first) + neighbours(second);
+        for (const QString &pair : neighbours(surer))
+            ASSERT_TRUE(known.contains(pair)) << qPrintable(pair);
+        const auto common = [](const QList<TimedWord> &words, const QList<TimedWord> &others) {
+            const auto same = sameWords(textOf(words).split(u' '), textOf(others).split(u' '));
+            return std::count_if(same.begin(), same.end(), [](int place) { return place >= 0; });
+        };
+        ASSERT_GE(common(surer, first), common(first, second));
+        ASSERT_GE(common(surer, second), common(first, second));
+    }
+}
+
+TEST(Parts, EndAtPausesOnceThereIsEnoughToUnderstand) {
+    const std::vector<VoiceSpan> parts =
+        partsOf({{0.4, 1.4}, {2, 3.5}, {3.6, 5}, {6, 9}, {9.4, 9.8}}, 10.2);
+    ASSERT_EQ(parts.size(), 3U);
+    EXPECT_EQ(parts[0].start, 0);
+    EXPECT_DOUBLE_EQ(parts[0].end, 5.5) << "its margin";
+    EXPECT_DOUBLE_EQ(parts[1].start, 5.6) << "its margin";
+    EXPECT_DOUBLE_EQ(parts[1].end, 9.2) << "halfway";
+    EXPECT_DOUBLE_EQ(parts[2].start, 9.2) << "halfway";
+    EXPECT_EQ(parts[2].end, 10.2);
+}
+
+TEST(Parts, AreOneWithoutAPauseAndNoneWithoutAVoice) {
+    EXPECT_EQ(partsOf({{0.4, 5}, {5.2, 9}}, 9.5).size(), 1U);
+    EXPECT_TRUE(partsOf({}, 9.5).empty());
+}
+
+/// A model that hears one text in the whole of ten seconds, and others in the two halves of it.
+class Script {
+public:
+    QString hear(const QString &whole, const std::vector<VoiceSpan> &parts = {{0, 5}, {5, 10}},
+                 const QStringList &phrases = {}) {
+        heard.clear();
+        return textOf(
+            hearTwice({0, 10}, parts, phrases, [&](VoiceSpan part, const QStringList &names) {
+                if (heard.size() == abandonedAt)
+                    throw Abandoned();
+                heard.push_back(part);
+                listenedFor.push_back(names);
+                if (part.end - part.start == 10)
+                    return words(whole);
+                return part.start == 0 ? words(u"Please enter your"_qs, 0)
+                                       : words(u"Pound key."_qs, 5);
+            }));
+    }
+
+    std::vector<VoiceSpan> heard;
+    std::vector<QStringList> listenedFor;
+    std::size_t abandonedAt = 100;
+};
+
+TEST(SecondHearing, HearsInPartsWhatItIsNotSureOf) {
+    Script script;
+    EXPECT_EQ(script.hear(u"Please/-0.1 that/-1 your pound/-0.2 gee/-1"_qs),
+              u"Please enter your Pound key."_qs);
+    ASSERT_EQ(script.heard.size(), 3U);
+    EXPECT_EQ(script.heard[1].end, 5);
+    EXPECT_EQ(script.heard[2].end, 10);
+}
+
+TEST(SecondHearing, HearsOnceWhatItIsSureOfOrWhatHasNoParts) {
+    Script script;
+    EXPECT_EQ(script.hear(u"Please/-0.01 that/-0.1 yours/-0.01"_qs), u"Please that yours"_qs);
+    EXPECT_EQ(script.heard.size(), 1U);
+    EXPECT_EQ(script.hear(u"Please that/-3 yours"_qs, {{0, 10}}), u"Please that yours"_qs);
+    EXPECT_EQ(script.heard.size(), 1U);
+    EXPECT_EQ(script.hear(u"Please that/-3 yours"_qs, {}), u"Please that yours"_qs);
+    EXPECT_EQ(script.heard.size(), 1U);
+    EXPECT_EQ(script.hear({}), QString());
+    EXPECT_EQ(script.heard.size(), 1U);
+}
+
+TEST(SecondHearing, LeavesAStretchWithAPhraseAsItIs) {
+    const QStringList phrases{u"Anirudh"_qs, u"Pound-Gee"_qs, u"that York"_qs};
+    for (const QString &whole : {u"Please that/-3 anirudh, your"_qs, u"The poundgee/-3 your"_qs,
+                                 u"Please/-3 “that York” your"_qs}) {
+        Script script;
+        EXPECT_EQ(script.hear(whole, {{0, 5}, {5, 10}}, phrases), textOf(words(whole)));
+        EXPECT_EQ(script.heard.size(), 1U);
+        EXPECT_EQ(script.listenedFor.front(), phrases);
+    }
+    Script script;
+    script.hear(u"Please that/-3 your yorkshire"_qs, {{0, 5}, {5, 10}}, phrases);
+    ASSERT_EQ(script.heard.size(), 3U);
+    EXPECT_EQ(script.listenedFor[0], phrases);
+    EXPECT_TRUE(script.listenedFor[1].isEmpty());
+}
+
+TEST(SecondHearing, IsAbandonedWhereverItIs) {
+    for (const std::size_t count : {0U, 1U, 2U}) {
+        Script script;
+        script.abandonedAt = count;
+        EXPECT_THROW(script.hear(u"Please that/-3 your"_qs), Abandoned);
+    }
+}
+
+} // namespace
+} // namespace lorvane
