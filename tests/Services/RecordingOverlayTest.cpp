@@ -63,6 +63,13 @@ TEST_F(RecordingOverlayTest, TheCardAppearsOnTheSecondMonitorWithThePointerThere
     EXPECT_EQ(panel.position, QPoint(1280 + 960 - 175, 1080 - 42 - 88));
 }
 
+TEST_F(RecordingOverlayTest, APointerOnAPanelIsOnThatMonitorToo) {
+    screens.allScreens = {right, left};
+    screens.pointerPosition = QPoint(100, 10);
+    overlay.show(Mode::preparing);
+    EXPECT_EQ(panel.position, QPoint(465, 620));
+}
+
 TEST_F(RecordingOverlayTest, OutsideEveryFrameTheMainScreenCounts) {
     screens.allScreens = {right, left};
     screens.pointerPosition = QPoint(100, 900);
