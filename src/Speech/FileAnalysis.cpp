@@ -86,9 +86,12 @@ void FileAnalysis::finish(AudioFileReader &file, OnResult onResult, const std::s
         throw endedEarly();
     resampler_.finish(samples_);
     listen(VoiceActivity::windowSize, stop);
-    for (const VoiceSpan &stretch :
+    if (last_)
+        give(*last_, stop);
+    last_.reset();
+    for (const VoiceSpan &place :
          cutter_.finish(static_cast<double>(end()) / SpeechModel::sampleRate))
-        recognize(stretch, {}, stop); // somebody waits for it
+        give(recognize(place, false, stop), stop);
 }
 
 bool FileAnalysis::take(AudioFileReader &file) {
@@ -120,7 +123,8 @@ void FileAnalysis::listen(std::size_t leastSamples, const std::stop_token &stop)
     }
 }
 
-/// Recognises the stretches that end in what has been heard.
+/// Recognises the stretches that end in what has been heard. What it isn't sure of is heard again
+/// once another stretch has followed, so that nobody who says little waits for that.
 void FileAnalysis::cut(const std::stop_token &stop) {
     const std::vector<float> &probabilities = activity_.probabilities();
     while (waiting_ || windowsCut_ * VoiceActivity::windowSize < heard_) {
@@ -128,7 +132,15 @@ void FileAnalysis::cut(const std::stop_token &stop) {
             waiting_ = cutter_.add(probabilities[windowsCut_++]);
         if (!waiting_)
             continue;
-        recognize(*waiting_, voiceIn(*waiting_), stop);
+        if (last_) {
+            last_->words = engine_->use().recognizeAgain(last_->words, last_->samples, last_->voice,
+                                                         engine_->size(), options_, stop);
+            give(*last_, stop);
+            last_.reset();
+        }
+        last_ = recognize(*waiting_, true, stop);
+        if (last_->words.isEmpty())
+            last_.reset();
         waiting_.reset();
         // What one stretch has left in pieces the next can't use: in an hour it would add up.
         engine_->trim();
@@ -149,16 +161,24 @@ std::vector<VoiceSpan> FileAnalysis::voiceIn(VoiceSpan stretch) const {
     return spans;
 }
 
-void FileAnalysis::recognize(VoiceSpan stretch, const std::vector<VoiceSpan> &voice,
-                             const std::stop_token &stop) {
-    const std::vector<float> audio =
-        amplified(samples(sampleAt(stretch.start), sampleAt(stretch.end)), gain_);
-    const QList<TimedWord> words =
-        engine_->use().recognizeTwice(audio, voice, engine_->size(), options_, stop);
-    const QString text = makeResult(words, true).formattedString.trimmed();
+FileAnalysis::Stretch FileAnalysis::recognize(VoiceSpan place, bool isSettled,
+                                              const std::stop_token &stop) {
+    Stretch stretch{place,
+                    amplified(samples(sampleAt(place.start), sampleAt(place.end)), gain_),
+                    voiceIn(place),
+                    {}};
+    const double duration = static_cast<double>(stretch.samples.size()) / SpeechModel::sampleRate;
+    stretch.words = engine_->use().recognizeStretch(stretch.samples, {0, duration}, engine_->size(),
+                                                    options_, stop, isSettled);
+    return stretch;
+}
+
+void FileAnalysis::give(const Stretch &stretch, const std::stop_token &stop) {
+    const QString text = makeResult(stretch.words, true).formattedString.trimmed();
     if (text.isEmpty())
         return;
-    results_.push_back({text, stretch.start, stretch.end - stretch.start, true});
+    const VoiceSpan place = stretch.place;
+    results_.push_back({text, place.start, place.end - place.start, true});
     if (onResult_ && !stop.stop_requested())
         onResult_(results_.back());
 }

@@ -27,7 +27,7 @@ public:
     bool isOf(AudioFileReader &file, const std::stop_token &stop);
 
     /// How many stretches with words are settled.
-    std::size_t settledCount() const { return results_.size(); }
+    std::size_t settledCount() const { return results_.size() + (last_ ? 1 : 0); }
 
     /// Hears the rest of the finished `file`, and gives each stretch: those that are settled at
     /// once, the others when they are. Throws the same, also when the file ends too early.
@@ -41,9 +41,14 @@ private:
     void listen(std::size_t leastSamples, const std::stop_token &stop);
     void cut(const std::stop_token &stop);
     std::vector<VoiceSpan> voiceIn(VoiceSpan stretch) const;
-    /// Divides it where there is no `voice` to hear it a second time, or hears it once without any.
-    void recognize(VoiceSpan stretch, const std::vector<VoiceSpan> &voice,
-                   const std::stop_token &stop);
+    struct Stretch {
+        VoiceSpan place;
+        std::vector<float> samples;
+        std::vector<VoiceSpan> voice; ///< from its start, as the words
+        QList<TimedWord> words;
+    };
+    Stretch recognize(VoiceSpan place, bool isSettled, const std::stop_token &stop);
+    void give(const Stretch &stretch, const std::stop_token &stop);
     void forget();
     std::size_t end() const { return firstSample_ + samples_.size(); }
     std::span<const float> samples(std::size_t from, std::size_t to) const;
@@ -64,6 +69,7 @@ private:
     StretchCutter cutter_;
     std::optional<VoiceSpan> waiting_; ///< to be recognised
     float gain_ = 1;
+    std::optional<Stretch> last_; ///< settled, but nothing has followed it yet
     std::vector<SpeechAnalysisResult> results_;
     OnResult onResult_;
 };

@@ -86,9 +86,8 @@ std::vector<VoiceSpan> partsOf(const std::vector<VoiceSpan> &voice, double durat
     return parts;
 }
 
-QList<TimedWord> hearTwice(VoiceSpan stretch, const std::vector<VoiceSpan> &parts,
+QList<TimedWord> hearAgain(const QList<TimedWord> &words, const std::vector<VoiceSpan> &parts,
                            const QStringList &phrases, const Hear &hear) {
-    QList<TimedWord> words = hear(stretch, phrases);
     const bool isSure = std::all_of(words.begin(), words.end(), [](const TimedWord &word) {
         return word.logProbability >= leastSure;
     });
@@ -96,7 +95,7 @@ QList<TimedWord> hearTwice(VoiceSpan stretch, const std::vector<VoiceSpan> &part
         return words;
     QList<TimedWord> others;
     for (const VoiceSpan &part : parts)
-        others.append(hear(part, {}));
+        others.append(hear(part));
     return surerWords(words, others);
 }
 

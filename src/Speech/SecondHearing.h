@@ -17,12 +17,12 @@ namespace lorvane {
 /// part is long enough to be understood by itself. The parts come in order and never overlap.
 std::vector<VoiceSpan> partsOf(const std::vector<VoiceSpan> &voice, double duration);
 
-/// The words of a stretch as `hear` hears them, listening for phrases, with their probabilities.
-/// Where it isn't sure of them they are heard in the `parts` too, and the surer words are taken. A
-/// stretch with a phrase in it stays: a phrase may be less probable than what it stands for. Throws
-/// what `hear` throws.
-using Hear = std::function<QList<TimedWord>(VoiceSpan part, const QStringList &phrases)>;
-QList<TimedWord> hearTwice(VoiceSpan stretch, const std::vector<VoiceSpan> &parts,
+/// The `words` of a stretch, which were heard with their probabilities, listening for `phrases`.
+/// Where the model isn't sure of them its `parts` are heard too, without phrases, and the surer
+/// words are taken. A stretch with a phrase in it stays: a phrase may be less probable than what it
+/// stands for. Throws what `hear` throws.
+using Hear = std::function<QList<TimedWord>(VoiceSpan part)>;
+QList<TimedWord> hearAgain(const QList<TimedWord> &words, const std::vector<VoiceSpan> &parts,
                            const QStringList &phrases, const Hear &hear);
 
 /// The words of a hearing, but those of another one wherever what is said there is another thing

@@ -69,31 +69,27 @@ QList<TimedWord> SpeechEngine::recognize(std::span<const float> samples, const Q
 
 QList<TimedWord> SpeechEngine::recognizeStretch(std::span<const float> samples, VoiceSpan stretch,
                                                 const QString &size, const SpeechOptions &options,
-                                                const std::stop_token &stop) {
-    return hear(samples, stretch, size, options.contextualStrings, false, stop);
-}
-
-QList<TimedWord> SpeechEngine::recognizeTwice(std::span<const float> samples,
-                                              const std::vector<VoiceSpan> &voice,
-                                              const QString &size, const SpeechOptions &options,
-                                              const std::stop_token &stop) {
-    const double duration = static_cast<double>(samples.size()) / SpeechModel::sampleRate;
-    return hearTwice({0, duration}, partsOf(voice, duration), options.contextualStrings,
-                     [&](VoiceSpan part, const QStringList &phrases) {
-                         return hear(samples, part, size, phrases, true, stop);
-                     });
-}
-
-QList<TimedWord> SpeechEngine::hear(std::span<const float> samples, VoiceSpan stretch,
-                                    const QString &size, const QStringList &phrases,
-                                    bool withLogProbabilities, const std::stop_token &stop) {
+                                                const std::stop_token &stop,
+                                                bool withLogProbabilities) {
     return hearWithoutLoss(samples, stretch, [&](VoiceSpan part) {
         // A part may be all silence, which the model would make words of.
         const bool isPart = part.start > stretch.start || part.end < stretch.end;
         return isPart && !hasVoice(partOf(samples, part), stop)
                    ? Attempt()
-                   : attempt(samples, part, size, phrases, withLogProbabilities, stop);
+                   : attempt(samples, part, size, options, stop, withLogProbabilities);
     });
+}
+
+QList<TimedWord> SpeechEngine::recognizeAgain(const QList<TimedWord> &words,
+                                              std::span<const float> samples,
+                                              const std::vector<VoiceSpan> &voice,
+                                              const QString &size, const SpeechOptions &options,
+                                              const std::stop_token &stop) {
+    const double duration = static_cast<double>(samples.size()) / SpeechModel::sampleRate;
+    return hearAgain(words, partsOf(voice, duration), options.contextualStrings,
+                     [&](VoiceSpan part) {
+                         return recognizeStretch(samples, part, size, SpeechOptions(), stop, true);
+                     });
 }
 
 bool SpeechEngine::hasVoice(std::span<const float> samples, const std::stop_token &stop) {
@@ -103,13 +99,14 @@ bool SpeechEngine::hasVoice(std::span<const float> samples, const std::stop_toke
 }
 
 Attempt SpeechEngine::attempt(std::span<const float> samples, VoiceSpan stretch,
-                              const QString &size, const QStringList &phrases,
-                              bool withLogProbabilities, const std::stop_token &stop) {
+                              const QString &size, const SpeechOptions &options,
+                              const std::stop_token &stop, bool withLogProbabilities) {
     const std::span<const float> voice = partOf(samples, stretch);
     Hearing hearing = model(size).hear(voice, stop);
-    const Decoding decoding = phrases.isEmpty()
-                                  ? decodeGreedily(hearing, withLogProbabilities, stop)
-                                  : decodeWithPhrases(hearing, phrases, *tokens_, stop);
+    const Decoding decoding =
+        options.contextualStrings.isEmpty()
+            ? decodeGreedily(hearing, withLogProbabilities, stop)
+            : decodeWithPhrases(hearing, options.contextualStrings, *tokens_, stop);
     Attempt attempt{
         timedWords(decoding, *tokens_, static_cast<double>(voice.size()) / SpeechModel::sampleRate),
         decoding.isBroken};

@@ -31,26 +31,25 @@ public:
 
     /// The words of one stretch of `samples` in which there is a voice, at most
     /// SpeechModel::longestStretch long, with times from the start of `samples`. Throws the same.
+    /// Their probabilities cost some hundredths more.
     QList<TimedWord> recognizeStretch(std::span<const float> samples, VoiceSpan stretch,
                                       const QString &size, const SpeechOptions &options,
-                                      const std::stop_token &stop);
+                                      const std::stop_token &stop,
+                                      bool withLogProbabilities = false);
 
-    /// The words of one stretch, `samples`, with times from its start. Where it isn't sure of them,
-    /// it hears it a second time, divided at the pauses between the spans of `voice`: at no more
-    /// than twice the cost. Throws the same.
-    QList<TimedWord> recognizeTwice(std::span<const float> samples,
+    /// The `words` of all of `samples`, heard with their probabilities, or surer ones: where it
+    /// isn't sure of them it hears `samples` once more, divided at the pauses between the spans of
+    /// `voice`, which costs no more than the first time. Throws the same.
+    QList<TimedWord> recognizeAgain(const QList<TimedWord> &words, std::span<const float> samples,
                                     const std::vector<VoiceSpan> &voice, const QString &size,
                                     const SpeechOptions &options, const std::stop_token &stop);
 
 private:
     SpeechModel &model(const QString &size);
     bool hasVoice(std::span<const float> samples, const std::stop_token &stop);
-    QList<TimedWord> hear(std::span<const float> samples, VoiceSpan stretch, const QString &size,
-                          const QStringList &phrases, bool withLogProbabilities,
-                          const std::stop_token &stop);
     Attempt attempt(std::span<const float> samples, VoiceSpan stretch, const QString &size,
-                    const QStringList &phrases, bool withLogProbabilities,
-                    const std::stop_token &stop);
+                    const SpeechOptions &options, const std::stop_token &stop,
+                    bool withLogProbabilities);
 
     OnnxRuntime &runtime_;
     ModelFolder folder_;
