@@ -143,7 +143,7 @@ TEST(Parts, AreOneWithoutAPauseAndNoneWithoutAVoice) {
 }
 
 /// A model that has heard a text in the whole of ten seconds, and hears others in its two halves.
-class Script {
+class Halves {
 public:
     QString hear(const QString &whole, const std::vector<VoiceSpan> &parts = {{0, 5}, {5, 10}},
                  const QStringList &phrases = {}) {
@@ -161,44 +161,44 @@ public:
 };
 
 TEST(SecondHearing, HearsInPartsWhatItIsNotSureOf) {
-    Script script;
-    EXPECT_EQ(script.hear(u"Please/-0.1 that/-1 your pound/-0.2 gee/-1"_qs),
+    Halves halves;
+    EXPECT_EQ(halves.hear(u"Please/-0.1 that/-1 your pound/-0.2 gee/-1"_qs),
               u"Please enter your Pound key."_qs);
-    ASSERT_EQ(script.heard.size(), 2U);
-    EXPECT_EQ(script.heard[0].end, 5);
-    EXPECT_EQ(script.heard[1].end, 10);
+    ASSERT_EQ(halves.heard.size(), 2U);
+    EXPECT_EQ(halves.heard[0].end, 5);
+    EXPECT_EQ(halves.heard[1].end, 10);
 }
 
 TEST(SecondHearing, HearsOnceWhatItIsSureOfOrWhatHasNoParts) {
-    Script script;
-    EXPECT_EQ(script.hear(u"Please/-0.01 that/-0.1 yours/-0.01"_qs), u"Please that yours"_qs);
-    EXPECT_TRUE(script.heard.empty());
-    EXPECT_EQ(script.hear(u"Please that/-3 yours"_qs, {{0, 10}}), u"Please that yours"_qs);
-    EXPECT_TRUE(script.heard.empty());
-    EXPECT_EQ(script.hear(u"Please that/-3 yours"_qs, {}), u"Please that yours"_qs);
-    EXPECT_TRUE(script.heard.empty());
-    EXPECT_EQ(script.hear({}), QString());
-    EXPECT_TRUE(script.heard.empty());
+    Halves halves;
+    EXPECT_EQ(halves.hear(u"Please/-0.01 that/-0.1 yours/-0.01"_qs), u"Please that yours"_qs);
+    EXPECT_TRUE(halves.heard.empty());
+    EXPECT_EQ(halves.hear(u"Please that/-3 yours"_qs, {{0, 10}}), u"Please that yours"_qs);
+    EXPECT_TRUE(halves.heard.empty());
+    EXPECT_EQ(halves.hear(u"Please that/-3 yours"_qs, {}), u"Please that yours"_qs);
+    EXPECT_TRUE(halves.heard.empty());
+    EXPECT_EQ(halves.hear({}), QString());
+    EXPECT_TRUE(halves.heard.empty());
 }
 
 TEST(SecondHearing, LeavesAStretchWithAPhraseAsItIs) {
     const QStringList phrases{u"Anirudh"_qs, u"Pound-Gee"_qs, u"that York"_qs};
     for (const QString &whole : {u"Please that/-3 anirudh, your"_qs, u"The poundgee/-3 your"_qs,
                                  u"Please/-3 “that York” your"_qs}) {
-        Script script;
-        EXPECT_EQ(script.hear(whole, {{0, 5}, {5, 10}}, phrases), textOf(words(whole)));
-        EXPECT_TRUE(script.heard.empty());
+        Halves halves;
+        EXPECT_EQ(halves.hear(whole, {{0, 5}, {5, 10}}, phrases), textOf(words(whole)));
+        EXPECT_TRUE(halves.heard.empty());
     }
-    Script script;
-    script.hear(u"Please that/-3 your yorkshire"_qs, {{0, 5}, {5, 10}}, phrases);
-    EXPECT_EQ(script.heard.size(), 2U);
+    Halves halves;
+    halves.hear(u"Please that/-3 your yorkshire"_qs, {{0, 5}, {5, 10}}, phrases);
+    EXPECT_EQ(halves.heard.size(), 2U);
 }
 
 TEST(SecondHearing, IsAbandonedWhereverItIs) {
     for (const std::size_t count : {0U, 1U}) {
-        Script script;
-        script.abandonedAt = count;
-        EXPECT_THROW(script.hear(u"Please that/-3 your"_qs), Abandoned);
+        Halves halves;
+        halves.abandonedAt = count;
+        EXPECT_THROW(halves.hear(u"Please that/-3 your"_qs), Abandoned);
     }
 }
 
