@@ -31,7 +31,7 @@ public:
 
     /// The words of one stretch of `samples` in which there is a voice, at most
     /// SpeechModel::longestStretch long, with times from the start of `samples`. Throws the same.
-    /// Their probabilities cost some hundredths more.
+    /// Their probabilities are there only if they are asked for.
     QList<TimedWord> recognizeStretch(std::span<const float> samples, VoiceSpan stretch,
                                       const QString &size, const SpeechOptions &options,
                                       const std::stop_token &stop,

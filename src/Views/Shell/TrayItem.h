@@ -19,7 +19,8 @@ class MainWindow;
 class TrayItem : public QObject {
     Q_OBJECT
 public:
-    /// Shows the item, drawn in `color`. `store` and `window` outlive it.
+    /// Shows the item, drawn in `color`, which has to stand out on light and dark panels alike.
+    /// `store` and `window` outlive it.
     TrayItem(AppStore &store, MainWindow &window, const QColor &color, QObject *parent = nullptr);
     ~TrayItem() override;
 
