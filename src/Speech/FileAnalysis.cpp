@@ -124,7 +124,8 @@ void FileAnalysis::listen(std::size_t leastSamples, const std::stop_token &stop)
 }
 
 /// Recognises the stretches that end in what has been heard. What it isn't sure of is heard again
-/// once another stretch has followed, so that nobody who says little waits for that.
+/// once another stretch has followed, unless the recording ends soon after that: it would be done
+/// while somebody waits, since what is done ahead lags behind by as much.
 void FileAnalysis::cut(const std::stop_token &stop) {
     const std::vector<float> &probabilities = activity_.probabilities();
     while (waiting_ || windowsCut_ * VoiceActivity::windowSize < heard_) {
@@ -133,8 +134,8 @@ void FileAnalysis::cut(const std::stop_token &stop) {
         if (!waiting_)
             continue;
         if (last_) {
-            last_->words = engine_->use().recognizeAgain(last_->words, last_->samples, last_->voice,
-                                                         engine_->size(), options_, stop);
+            if (windowsCut_ * VoiceActivity::windowSize + samplesAhead <= end())
+                hearAgain(*last_, stop);
             give(*last_, stop);
             last_.reset();
         }
@@ -171,6 +172,11 @@ FileAnalysis::Stretch FileAnalysis::recognize(VoiceSpan place, bool isSettled,
     stretch.words = engine_->use().recognizeStretch(stretch.samples, {0, duration}, engine_->size(),
                                                     options_, stop, isSettled);
     return stretch;
+}
+
+void FileAnalysis::hearAgain(Stretch &stretch, const std::stop_token &stop) {
+    stretch.words = engine_->use().recognizeAgain(stretch.words, stretch.samples, stretch.voice,
+                                                  engine_->size(), options_, stop);
 }
 
 void FileAnalysis::give(const Stretch &stretch, const std::stop_token &stop) {

@@ -48,6 +48,7 @@ private:
         QList<TimedWord> words;
     };
     Stretch recognize(VoiceSpan place, bool isSettled, const std::stop_token &stop);
+    void hearAgain(Stretch &stretch, const std::stop_token &stop);
     void give(const Stretch &stretch, const std::stop_token &stop);
     void forget();
     std::size_t end() const { return firstSample_ + samples_.size(); }

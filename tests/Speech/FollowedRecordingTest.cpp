@@ -132,6 +132,8 @@ TEST_F(SecondHearingTest, IsOfWhatIsFollowedNotOfWhatSomebodyWaitsFor) {
     pause(3);
     EXPECT_EQ(heardWith({}).front().text, last) << "settled, but nothing follows";
     say(u"vm-nobox"_qs, 5);
+    EXPECT_EQ(heardWith({}).front().text, last) << "followed, but at the end";
+    pause(5);
     const Results results = heardWith({});
     ASSERT_EQ(results.size(), 2U);
     const QString followed = results.front().text;
