@@ -211,9 +211,18 @@ void print(const char *what, const std::vector<double> &values, double limit) {
                 values.size(), limit);
 }
 
-void report(const std::vector<Request> &requests, const std::vector<Part> &parts) {
+/// For how long of the time from `start` to `end` somebody speaks.
+double voiceBetween(const std::vector<VoiceSpan> &voice, double start, double end) {
+    double sum = 0;
+    for (const VoiceSpan &span : voice)
+        sum += std::max(0.0, std::min(span.end, end) - std::max(span.start, start));
+    return sum;
+}
+
+void report(const std::vector<Request> &requests, const std::vector<Part> &parts,
+            const std::vector<VoiceSpan> &voice) {
     std::vector<double> firstWords; // from when the first word of a part began to when it shows
-    std::vector<double> gaps;       // between two texts while somebody speaks
+    std::vector<double> gaps;       // for how long somebody spoke between two texts
     for (const Part &part : parts) {
         double last = -1;
         for (const Request &request : requests) {
@@ -226,7 +235,7 @@ void report(const std::vector<Request> &requests, const std::vector<Part> &parts
                 if (last < 0)
                     firstWords.push_back(shown.time - *first);
                 else if (last < part.end)
-                    gaps.push_back(std::min(shown.time, part.end) - last);
+                    gaps.push_back(voiceBetween(voice, last, std::min(shown.time, part.end)));
                 last = shown.time;
             }
         }
@@ -239,6 +248,8 @@ void report(const std::vector<Request> &requests, const std::vector<Part> &parts
     for (const Request &request : requests) {
         updates += request.size();
         for (std::size_t i = 1; i < request.size(); ++i) {
+            if (request[i].words == request[i - 1].words)
+                continue;
             shownCount += static_cast<std::size_t>(request[i - 1].words.size());
             changed += takenBack(request[i - 1].words, request[i].words);
             const QStringList old = spoken(request[i - 1].words);
@@ -246,16 +257,33 @@ void report(const std::vector<Request> &requests, const std::vector<Part> &parts
             spokenChanged += takenBack(old, spoken(request[i].words));
         }
     }
+    QStringList said;
+    for (const Part &part : parts)
+        said += spokenWords(part.clip->transcript);
+    QStringList heard;
+    for (const Request &request : requests)
+        heard += request.empty() ? QStringList() : spoken(request.back().words);
     const auto percent = [](std::size_t part, std::size_t whole) {
         return 100.0 * static_cast<double>(part) /
                static_cast<double>(std::max<std::size_t>(1, whole));
     };
     std::printf("%-42s %zu\n", "texts", updates);
     print("first word after a pause, since it began", firstWords, 1.2);
-    print("between two texts while somebody speaks", gaps, 1);
+    print("spoken between two texts", gaps, 1);
     std::printf("%-42s %.2f%%, %.2f%% without marks and capitals\n",
                 "of the words shown, changed by the next text", percent(changed, shownCount),
                 percent(spokenChanged, spokenCount));
+    std::printf("%-42s %.2f%%\n", "of the words said, wrong in the last texts",
+                100 * wordErrors(said, heard).rate());
+}
+
+std::vector<VoiceSpan> voiceIn(const QString &path) {
+    OnnxRuntime runtime(1);
+    VoiceActivityModel model(
+        runtime, QDir(OnDeviceSpeech::installedModelsFolder()).filePath(u"vad/silero.onnx"_qs));
+    VoiceActivity activity(model);
+    activity.listen(decodedAudio(path), {});
+    return voiceSpans(activity.probabilities());
 }
 
 QStringList linesOf(const QString &path) {
@@ -301,7 +329,7 @@ int runBenchmark(QCoreApplication &application) {
                 std::printf("%7.2f s  %s\n", text.time, qPrintable(text.words.join(u' ')));
         }
     }
-    report(requests, parts);
+    report(requests, parts, voiceIn(path));
     std::printf("%-42s %.0f%% of a core\n", "processor", 100 * processor / seconds);
     return 0;
 }

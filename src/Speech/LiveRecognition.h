@@ -8,8 +8,8 @@
 
 namespace lorvane {
 
-/// One live recognition: it transcribes what has been said since its start again and again, and
-/// reports what has changed. It lives in its own jobs on the worker.
+/// One live recognition: it transcribes what has been said since its last long pause again and
+/// again, and reports the text each time. It lives in its own jobs on the worker.
 class LiveRecognition : public std::enable_shared_from_this<LiveRecognition> {
 public:
     LiveRecognition(std::shared_ptr<LiveRequest> request, std::shared_ptr<KeptEngine> engine,
@@ -24,8 +24,12 @@ private:
     void listen(const std::stop_token &stop);
     /// Transcribes the voice if there is more of it than last time.
     void transcribe(const std::stop_token &stop);
-    /// Takes the words before a pause as they are, once the last stretch has become long.
-    void settle(VoiceSpan stretch);
+    /// Takes the words before the last long pause as they are.
+    void settleBeforePause();
+    /// Takes the words before a shorter one as they are, once the last stretch has become long.
+    void settleLongStretch(VoiceSpan stretch);
+    /// What was said before `time` isn't transcribed again.
+    void settle(double time);
 
     const std::shared_ptr<LiveRequest> request_;
     const SpeechOptions options_;

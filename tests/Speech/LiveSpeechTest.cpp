@@ -1,6 +1,7 @@
 #include "Speech/DecodedAudio.h"
-#include "Speech/LiveRequest.h"
+#include "Speech/LiveRecognition.h"
 #include "Speech/Prompts.h"
+#include "Speech/RealEngine.h"
 #include "Speech/Sounds.h"
 #include "Speech/SpeechListener.h"
 #include "Speech/WordErrors.h"
@@ -134,6 +135,54 @@ TEST_F(LiveSpeechTest, GivesTheNextRequestItsOwnText) {
     ASSERT_TRUE(
         next.waitFor([](const auto &heard) { return heard.text().contains(u"demonstration"_qs); }));
     EXPECT_FALSE(next.heard().text().contains(u"reply"_qs));
+}
+
+/// A live recognition on a clock of the test's: nothing is heard but when time passes.
+class LiveRecognitionTest : public testing::Test {
+protected:
+    LiveRecognitionTest() {
+        std::make_shared<LiveRecognition>(request_, engine_.engine, engine_.worker,
+                                          cancellation_.get_token(), listener_.handler())
+            ->start();
+    }
+    void TearDown() override {
+        cancellation_.request_stop();
+        engine_.pass(std::chrono::seconds(1));
+    }
+
+    /// What is reported next, once `samples` have been said.
+    QString textAfter(std::span<const float> samples) {
+        feed(*request_, samples);
+        engine_.pass(std::chrono::seconds(1));
+        return listener_.heard().text();
+    }
+
+    RealEngine engine_{liveModel};
+    SpeechListener listener_;
+    std::stop_source cancellation_;
+    const std::shared_ptr<LiveRequest> request_ =
+        std::make_shared<LiveRequest>(AudioFormat{captureRate, 1}, SpeechOptions());
+    const std::vector<float> sentence_ = decodedAudio(promptPath(u"vm-nobox"_qs), captureRate);
+    const std::vector<float> silence_ = std::vector<float>(captureRate * 6 / 5);
+};
+
+TEST_F(LiveRecognitionTest, ShowsTheFirstWordsAfterAPauseAndLeavesWhatWasSaidBefore) {
+    textAfter(sentence_);
+    const QString before = textAfter(silence_);
+    EXPECT_TRUE(before.endsWith(u"mailbox."_qs)) << qPrintable(before);
+    const std::vector<float> next = decodedAudio(promptPath(u"auth-incorrect"_qs), captureRate);
+    const QString after = textAfter(std::span(next).first(captureRate));
+    EXPECT_TRUE(after.startsWith(before + u" Password"_qs)) << qPrintable(after);
+}
+
+TEST_F(LiveRecognitionTest, ReportsTheTextEachTimeThoughItIsTheSame) {
+    const QString before = textAfter(sentence_);
+    const std::size_t count = listener_.heard().results.size();
+    EXPECT_EQ(textAfter(std::span(silence_).first(captureRate / 4)), before);
+    EXPECT_EQ(listener_.heard().results.size(), count + 1);
+    textAfter(silence_);
+    textAfter(silence_);
+    EXPECT_EQ(listener_.heard().results.size(), count + 2) << "nobody speaks any more";
 }
 
 } // namespace
