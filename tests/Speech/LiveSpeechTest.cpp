@@ -175,6 +175,17 @@ TEST_F(LiveRecognitionTest, ShowsTheFirstWordsAfterAPauseAndLeavesWhatWasSaidBef
     EXPECT_TRUE(after.startsWith(before + u" Password"_qs)) << qPrintable(after);
 }
 
+TEST_F(LiveRecognitionTest, HearsTheEndOfASentenceThatIsOverBeforeItListensAgain) {
+    const std::span<const float> sentence(sentence_);
+    const QString before = textAfter(sentence.first(sentence.size() / 2));
+    EXPECT_FALSE(before.contains(u"mailbox"_qs)) << qPrintable(before);
+    feed(*request_, sentence.subspan(sentence.size() / 2));
+    feed(*request_, silence_);
+    const std::vector<float> next = decodedAudio(promptPath(u"demo-nogo"_qs), captureRate);
+    const QString after = textAfter(std::span(next).first(2 * captureRate));
+    EXPECT_TRUE(after.contains(u"mailbox. I'm afraid"_qs)) << qPrintable(after);
+}
+
 TEST_F(LiveRecognitionTest, ReportsTheTextEachTimeThoughItIsTheSame) {
     const QString before = textAfter(sentence_);
     const std::size_t count = listener_.heard().results.size();
