@@ -179,6 +179,33 @@ double logProbability(const Decoding &decoding, const std::vector<Word> &words, 
     return sum;
 }
 
+/// Those that have a token in the words from `first` up to `last`.
+std::vector<PhraseSpan> phrasesWithin(const std::vector<PhraseSpan> &spans,
+                                      const std::vector<Word> &words, std::size_t first,
+                                      std::size_t last) {
+    std::vector<PhraseSpan> within;
+    std::copy_if(spans.begin(), spans.end(), std::back_inserter(within),
+                 [&](const PhraseSpan &span) {
+                     return first < last && span.last > words[first].first &&
+                            span.first < words[last - 1].last;
+                 });
+    return within;
+}
+
+/// Whether a phrase that was heard without help has given way to one that it is no part of: it is
+/// what was said, and not another one that sounds like it.
+bool isAnyLost(const std::vector<PhraseSpan> &heard, const std::vector<PhraseSpan> &found,
+               const std::vector<Phrase> &phrases) {
+    const auto textOf = [&](const PhraseSpan &span) {
+        return phrases[static_cast<std::size_t>(span.phrase)].text;
+    };
+    return std::any_of(heard.begin(), heard.end(), [&](const PhraseSpan &lost) {
+        return std::none_of(found.begin(), found.end(), [&](const PhraseSpan &span) {
+            return textOf(span).contains(textOf(lost), Qt::CaseInsensitive);
+        });
+    });
+}
+
 /// What became of the phrases in a text that was found with them.
 struct Judgement {
     bool hasPhrases = false; ///< that are not heard without them
@@ -190,6 +217,7 @@ Judgement judge(const Decoding &found, const Decoding &plain, const std::vector<
                 const TokenTable &tokens) {
     const std::vector<Word> words = wordsOf(found, tokens);
     const std::vector<PhraseSpan> spans = findPhrases(found.tokens, trie, tokens);
+    const std::vector<PhraseSpan> plainSpans = findPhrases(plain.tokens, trie, tokens);
     Judgement judgement;
     for (std::size_t i = 1; i < spans.size(); ++i) {
         // A phrase that is rewarded tends to be said again.
@@ -205,9 +233,8 @@ Judgement judge(const Decoding &found, const Decoding &plain, const std::vector<
         double allowed = 0;
         double least = 2;
         int leastLike = -1;
-        for (const PhraseSpan &span : spans) {
-            if (span.last <= words[place.first].first || span.first >= words[place.last - 1].last)
-                continue;
+        const std::vector<PhraseSpan> here = phrasesWithin(spans, words, place.first, place.last);
+        for (const PhraseSpan &span : here) {
             const Replaced by =
                 replacedBy(phrases[static_cast<std::size_t>(span.phrase)], replaced);
             replaced = replaced.subspan(by.last);
@@ -221,7 +248,9 @@ Judgement judge(const Decoding &found, const Decoding &plain, const std::vector<
             continue;
         const double cost = logProbability(plain, plainWords, place.otherFirst, place.otherLast) -
                             logProbability(found, words, place.first, place.last);
-        if (cost > allowed)
+        const std::vector<PhraseSpan> heard =
+            phrasesWithin(plainSpans, plainWords, place.otherFirst, place.otherLast);
+        if (cost > allowed || isAnyLost(heard, here, phrases))
             judgement.wrong = leastLike;
         else
             judgement.hasPhrases = true;

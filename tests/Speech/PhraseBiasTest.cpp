@@ -79,6 +79,23 @@ TEST(PhraseBias, LeavesAPhraseAsItIsThatASentenceBeginsWith) {
     EXPECT_EQ(text, plain) << qPrintable(text);
 }
 
+TEST(PhraseBias, LeavesAPhraseThatWasHeardAndNotAnotherThatSoundsLikeIt) {
+    const std::vector<float> samples = spoken(u"I think that Catherine is the right word here."_qs);
+    const QString plain = textOf(heard(samples, {}));
+    ASSERT_TRUE(plain.contains(u"Catherine"_qs)) << qPrintable(plain);
+    EXPECT_TRUE(textOf(heard(samples, {u"Katherine"_qs})).contains(u"Katherine"_qs));
+    EXPECT_EQ(textOf(heard(samples, {u"Katherine"_qs, u"Catherine"_qs})), plain);
+}
+
+TEST(PhraseBias, FindsAPhraseThatBeginsWithAnother) {
+    const std::vector<float> samples = spoken(u"Catherine Kowalczyk will call you again."_qs);
+    const QString plain = textOf(heard(samples, {}));
+    ASSERT_TRUE(plain.contains(u"Catherine"_qs)) << qPrintable(plain);
+    ASSERT_FALSE(plain.contains(u"Kowalczyk"_qs)) << qPrintable(plain);
+    const QString text = textOf(heard(samples, {u"Catherine"_qs, u"Catherine Kowalczyk"_qs}));
+    EXPECT_TRUE(text.startsWith(u"Catherine Kowalczyk"_qs)) << qPrintable(text);
+}
+
 TEST(PhraseBias, KeepsTheTimesOfTheWords) {
     const std::vector<float> samples =
         spoken(u"Please look at the Grafana page again before the meeting."_qs);
