@@ -182,7 +182,7 @@ TEST_F(LiveRecognitionTest, HearsTheEndOfASentenceThatIsOverBeforeItListensAgain
     feed(*request_, sentence.subspan(sentence.size() / 2));
     feed(*request_, silence_);
     const std::vector<float> next = decodedAudio(promptPath(u"demo-nogo"_qs), captureRate);
-    const QString after = textAfter(std::span(next).first(2 * captureRate));
+    const QString after = textAfter(std::span(next).first(std::size_t{2} * captureRate));
     EXPECT_TRUE(after.contains(u"mailbox. I'm afraid"_qs)) << qPrintable(after);
 }
 
