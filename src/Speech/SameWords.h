@@ -2,12 +2,17 @@
 
 #include <QStringList>
 
+#include <functional>
 #include <vector>
 
 namespace lorvane {
 
-/// For each of `words` the place of the same one in `others`, or -1: the longest common
-/// subsequence.
+/// For each of `count` words the place of the same one among `otherCount` others, or -1: the
+/// longest common subsequence, where `isSame` tells of two places whether they hold the same word.
+using IsSameWord = std::function<bool(qsizetype word, qsizetype other)>;
+std::vector<int> sameWords(qsizetype count, qsizetype otherCount, const IsSameWord &isSame);
+
+/// The same for words that are the same to the letter.
 std::vector<int> sameWords(const QStringList &words, const QStringList &others);
 
 } // namespace lorvane

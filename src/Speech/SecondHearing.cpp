@@ -4,6 +4,7 @@
 #include "Speech/StretchLimits.h"
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 
 namespace lorvane {
@@ -19,6 +20,9 @@ constexpr double shortestPart = 2.5;
 constexpr double leastSure = -0.8;
 /// By how much other words have to be more probable. All that was said before counts for something.
 constexpr double leastGain = 0.4;
+/// So far apart, in seconds, may two hearings put a word: the same word somewhere else is another
+/// one, and what stands between would be lost.
+constexpr double farthestApart = 0.5;
 
 double logProbability(const QList<TimedWord> &words) {
     return std::accumulate(words.begin(), words.end(), 0.0, [](double sum, const TimedWord &word) {
@@ -52,6 +56,13 @@ bool hasPhrase(const QList<TimedWord> &words, const QStringList &phrases) {
     const QString text = padded(textsOf(words));
     return std::any_of(phrases.begin(), phrases.end(), [&](const QString &phrase) {
         return text.contains(padded(phrase.split(u' ', Qt::SkipEmptyParts)));
+    });
+}
+
+std::vector<int> wordsHeardTwice(const QList<TimedWord> &words, const QList<TimedWord> &others) {
+    return sameWords(words.size(), others.size(), [&](qsizetype word, qsizetype other) {
+        return words[word].text == others[other].text &&
+               std::abs(words[word].start - others[other].start) <= farthestApart;
     });
 }
 
@@ -100,7 +111,7 @@ QList<TimedWord> hearAgain(const QList<TimedWord> &words, const std::vector<Voic
 }
 
 QList<TimedWord> surerWords(const QList<TimedWord> &words, const QList<TimedWord> &others) {
-    const std::vector<int> same = sameWords(textsOf(words), textsOf(others));
+    const std::vector<int> same = wordsHeardTwice(words, others);
     QList<TimedWord> surer;
     qsizetype first = 0;
     qsizetype otherFirst = 0;
