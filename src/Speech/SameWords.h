@@ -7,9 +7,11 @@
 
 namespace lorvane {
 
-/// For each of `count` words the place of the same one among `otherCount` others, or -1: the
-/// longest common subsequence, where `isSame` tells of two places whether they hold the same word.
+/// Whether two places, of the words and of the others, hold the same word.
 using IsSameWord = std::function<bool(qsizetype word, qsizetype other)>;
+
+/// For each of `count` words the place of the same one among `otherCount` others, or -1: the
+/// longest common subsequence.
 std::vector<int> sameWords(qsizetype count, qsizetype otherCount, const IsSameWord &isSame);
 
 /// The same for words that are the same to the letter.
