@@ -26,9 +26,9 @@ QList<TimedWord> hearAgain(const QList<TimedWord> &words, const std::vector<Voic
                            const QStringList &phrases, const Hear &hear);
 
 /// The words of a hearing, but those of another one wherever what is said there is another thing
-/// and clearly more probable; no word goes without another in its place. Both agree, to the mark and
-/// on where they stand, on the words beside those that are taken, so that nothing between is lost
-/// and the marks and capitals are in keeping.
+/// and clearly more probable; no word goes without another in its place. Both agree, to the mark
+/// and on where they stand, on the words beside those that are taken, so that nothing between is
+/// lost and the marks and capitals are in keeping.
 QList<TimedWord> surerWords(const QList<TimedWord> &words, const QList<TimedWord> &others);
 
 } // namespace lorvane
