@@ -24,20 +24,28 @@ class Mouse(DesktopTest):
     def selection():
         return run("xclip", "-selection", "primary", "-out", seconds=5)
 
+    def assert_selected(self, words, text, place):
+        """Waits until exactly these words of a text are selected, which was at a place before."""
+        try:
+            until(lambda: self.selection() == words, 5, f"“{words}” as the selection")
+        except TimeoutError as error:
+            raise TimeoutError(f"{error}; selected is “{self.selection()}”, and the text went from "
+                               f"{place} to {text.extents()}") from None
+
     def test_texts_are_selected_by_a_drag_and_copied_and_the_wheel_scrolls(self):
         self.lorvane.press("History")
         text = self.find(NEWEST, "label|text|static")
-        left, top, width, height = text.extents()
+        left, top, width, height = place = text.extents()
         run("xdotool", "mousemove", str(left + 1), str(top + 5), "mousedown", "1",
             "mousemove", str(left + width // 4), str(top + 5),
             "mousemove", str(left + width - 1), str(top + height - 3), "mouseup", "1")
-        until(lambda: self.selection() == NEWEST, 5, "the dragged text as the selection")
-        self.assertEqual(text.extents(), (left, top, width, height), "the page stays")
+        self.assert_selected(NEWEST, text, place)
+        self.assertEqual(text.extents(), place, "the page stays")
         run("xdotool", "key", "ctrl+c")
         until(lambda: editors.clipboard() == NEWEST, 5, "the copied text")
         run("xdotool", "mousemove", str(left + 20), str(top + 5), "click", "--repeat", "2",
             "--delay", "30", "1")
-        until(lambda: self.selection() == "Good", 5, "a word by a double click")
+        self.assert_selected("Good", text, place)
         run("xdotool", "click", "3")
         left_entry, top_entry, *_ = self.find("Copy", "menu item").extents()
         run("xdotool", "mousemove", str(left_entry + 9), str(top_entry + 9), "click", "1")
