@@ -5,6 +5,7 @@
 #include "LongRecording.h"
 #include "Platform/Linux/SndfileAudioFile.h"
 #include "Speech/DecodedAudio.h"
+#include "Speech/FileSamples.h"
 #include "Speech/OnDeviceSpeech.h"
 #include "Speech/SpeechEngine.h"
 #include "Speech/WordErrors.h"
@@ -36,23 +37,60 @@ WordErrors errorsOf(const Results &results, const std::vector<Part> &parts) {
     return wordErrors(said, heard);
 }
 
-/// The errors of the parts, each heard alone by the model.
-WordErrors errorsOfParts(const std::vector<Part> &parts, const QString &models) {
-    OnnxRuntime runtime(1);
-    const std::optional<ModelFolder> folder = ModelFolder::find(models, u"en"_qs);
-    SpeechEngine engine(runtime, *folder, QDir(models).filePath(u"vad/silero.onnx"_qs));
-    std::map<const Clip *, WordErrors> known;
-    WordErrors errors;
-    for (const Part &part : parts) {
-        if (!known.contains(part.clip)) {
-            const std::vector<float> samples = decodedAudio(part.clip->path);
-            const QString text =
-                makeResult(engine.recognize(samples, fileModel, {}, {}), true).formattedString;
-            known[part.clip] = wordErrors(spokenWords(part.clip->transcript), spokenWords(text));
+/// The model, which hears each part alone.
+class PartsAlone {
+public:
+    explicit PartsAlone(const QString &models)
+        : folder_(*ModelFolder::find(models, u"en"_qs)),
+          engine_(runtime_, folder_, QDir(models).filePath(u"vad/silero.onnx"_qs)) {}
+
+    /// The errors in the recordings that the parts are made of.
+    WordErrors errorsAsRecorded(const std::vector<Part> &parts) {
+        std::map<const Clip *, WordErrors> known;
+        WordErrors errors;
+        for (const Part &part : parts) {
+            if (!known.contains(part.clip))
+                known[part.clip] = errorsIn(decodedAudio(part.clip->path), *part.clip);
+            errors += known[part.clip];
         }
-        errors += known[part.clip];
+        return errors;
     }
-    return errors;
+
+    /// The errors in the parts as they stand in the whole, up to the middles of the pauses.
+    WordErrors errorsInPlace(const std::vector<Part> &parts, std::span<const float> whole) {
+        const auto borderBefore = [&](std::size_t i) -> std::size_t {
+            if (i == 0)
+                return 0;
+            if (i == parts.size())
+                return whole.size();
+            const double middle = (parts[i - 1].end + parts[i].start) / 2;
+            return static_cast<std::size_t>(middle * SpeechModel::sampleRate);
+        };
+        WordErrors errors;
+        for (std::size_t i = 0; i < parts.size(); ++i) {
+            const std::size_t start = borderBefore(i);
+            errors += errorsIn(whole.subspan(start, borderBefore(i + 1) - start), *parts[i].clip);
+        }
+        return errors;
+    }
+
+private:
+    WordErrors errorsIn(std::span<const float> samples, const Clip &clip) {
+        const QString text =
+            makeResult(engine_.recognize(samples, fileModel, {}, {}), true).formattedString;
+        return wordErrors(spokenWords(clip.transcript), spokenWords(text));
+    }
+
+    OnnxRuntime runtime_{1};
+    ModelFolder folder_;
+    SpeechEngine engine_;
+};
+
+void printErrors(const WordErrors &errors, const char *how, const WordErrors &ofParts) {
+    std::printf("%.2f%% of %d words wrong (%d), in its parts alone, %s, %.2f%% (%d): %.3f of it\n",
+                errors.rate() * 100, errors.wordCount, errors.errors(), how, ofParts.rate() * 100,
+                ofParts.errors(), errors.rate() / ofParts.rate());
+    std::fflush(stdout);
 }
 
 /// Analyses the file and gives its results; prints the memory on the way.
@@ -147,10 +185,10 @@ int runBenchmark(QCoreApplication &application) {
             abandon(speech, path, times, random);
     }
     const WordErrors errors = errorsOf(results, parts);
-    const WordErrors ofParts = errorsOfParts(parts, models);
-    std::printf("%.2f%% of %d words wrong, %.2f%% in its parts alone: %.3f of it\n",
-                errors.rate() * 100, errors.wordCount, ofParts.rate() * 100,
-                errors.rate() / ofParts.rate());
+    PartsAlone alone(models);
+    printErrors(errors, "as recorded", alone.errorsAsRecorded(parts));
+    const std::vector<float> whole = readSamples(audioFile, path, {});
+    printErrors(errors, "as they stand in it", alone.errorsInPlace(parts, whole));
     return 0;
 }
 
