@@ -1,7 +1,6 @@
 #include "Speech/SecondHearing.h"
 
 #include "Speech/SameWords.h"
-#include "Speech/StretchLimits.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,13 +15,18 @@ namespace {
 /// In seconds.
 constexpr double shortestPause = 0.3;
 constexpr double shortestPart = 2.5;
-/// From this logarithm of its probability on the model is sure of a word.
-constexpr double leastSure = -0.8;
-/// By how much other words have to be more probable. All that was said before counts for something.
-constexpr double leastGain = 0.4;
+/// Around the voice of a part, so that parts never overlap. It is narrower than around a stretch,
+/// which gives another chance to a word that the model could as well have taken for another one.
+constexpr double partMargin = 0.1;
+/// The logarithm of a half: the model isn't sure of a word that is less probable than not.
+constexpr double leastSure = -0.69;
 /// So far apart, in seconds, may two hearings put a word: the same word somewhere else is another
 /// one, and what stands between would be lost.
 constexpr double farthestApart = 0.5;
+/// By so much longer, in seconds, nothing is heard where a hearing overlooks what another one has,
+/// if that has words so probable in the mean: in noise a model may make some up.
+constexpr double leastOverlooked = 1;
+constexpr double leastBelieved = -1;
 
 double logProbability(const QList<TimedWord> &words) {
     return std::accumulate(words.begin(), words.end(), 0.0, [](double sum, const TimedWord &word) {
@@ -66,6 +70,25 @@ std::vector<int> wordsHeardTwice(const QList<TimedWord> &words, const QList<Time
     });
 }
 
+/// The longest time without a word, in seconds, from `start` to `end`.
+double longestGap(const QList<TimedWord> &words, double start, double end) {
+    double longest = 0;
+    for (const TimedWord &word : words) {
+        longest = std::max(longest, word.start - start);
+        start = word.end;
+    }
+    return std::max(longest, end - start);
+}
+
+/// Whether a part has no word. A model may pass over what one voice says between others.
+bool isAnyOverlooked(const QList<TimedWord> &words, const std::vector<VoiceSpan> &parts) {
+    return std::any_of(parts.begin(), parts.end(), [&](VoiceSpan part) {
+        return std::none_of(words.begin(), words.end(), [&](const TimedWord &word) {
+            return word.start < part.end && word.end > part.start;
+        });
+    });
+}
+
 /// Times of two hearings may differ a little: makes them go on from word to word.
 void straighten(QList<TimedWord> &words) {
     for (qsizetype i = 1; i < words.size(); ++i) {
@@ -79,20 +102,15 @@ void straighten(QList<TimedWord> &words) {
 
 std::vector<VoiceSpan> partsOf(const std::vector<VoiceSpan> &voice, double duration) {
     std::vector<VoiceSpan> parts;
-    double start = 0;
-    double voiceStart = voice.empty() ? 0 : voice.front().start;
+    double start = voice.empty() ? 0 : voice.front().start;
     for (std::size_t i = 0; i < voice.size(); ++i) {
-        if (i + 1 == voice.size()) {
-            parts.push_back({start, duration});
-            break;
-        }
-        const double pause = voice[i + 1].start - voice[i].end;
-        if (pause < shortestPause || voice[i].end - voiceStart < shortestPart)
+        const double end = voice[i].end;
+        const bool isLast = i + 1 == voice.size();
+        if (!isLast && (voice[i + 1].start - end < shortestPause || end - start < shortestPart))
             continue;
-        const double middle = voice[i].end + pause / 2;
-        parts.push_back({start, std::min(voice[i].end + marginAfter, middle)});
-        voiceStart = voice[i + 1].start;
-        start = std::max(voiceStart - marginBefore, middle);
+        parts.push_back({std::max(start - partMargin, 0.0), std::min(end + partMargin, duration)});
+        if (!isLast)
+            start = voice[i + 1].start;
     }
     return parts;
 }
@@ -102,7 +120,7 @@ QList<TimedWord> hearAgain(const QList<TimedWord> &words, const std::vector<Voic
     const bool isSure = std::all_of(words.begin(), words.end(), [](const TimedWord &word) {
         return word.logProbability >= leastSure;
     });
-    if (parts.size() < 2 || isSure || hasPhrase(words, phrases))
+    if ((isSure && !isAnyOverlooked(words, parts)) || hasPhrase(words, phrases))
         return words;
     QList<TimedWord> others;
     for (const VoiceSpan &part : parts)
@@ -111,6 +129,10 @@ QList<TimedWord> hearAgain(const QList<TimedWord> &words, const std::vector<Voic
 }
 
 QList<TimedWord> surerWords(const QList<TimedWord> &words, const QList<TimedWord> &others) {
+    if (words.isEmpty() || others.isEmpty())
+        return words.isEmpty() ? others : words;
+    const double start = std::min(words.front().start, others.front().start);
+    const double end = std::max(words.back().end, others.back().end);
     const std::vector<int> same = wordsHeardTwice(words, others);
     QList<TimedWord> surer;
     qsizetype first = 0;
@@ -125,7 +147,13 @@ QList<TimedWord> surerWords(const QList<TimedWord> &words, const QList<TimedWord
         // The word after them tells as well how well they go with what was heard.
         const double gain = logProbability(others.mid(otherFirst, other + 1 - otherFirst)) -
                             logProbability(words.mid(first, i + 1 - first));
-        const bool isOtherTaken = gain > leastGain && !otherRun.isEmpty() &&
+        // Words that were overlooked are no gain: more words are less probable than fewer.
+        const double from = first > 0 ? words[first - 1].end : start;
+        const double to = isEnd ? end : words[i].start;
+        const bool isOverlooked =
+            longestGap(run, from, to) - longestGap(otherRun, from, to) >= leastOverlooked &&
+            logProbability(otherRun) >= leastBelieved * static_cast<double>(otherRun.size());
+        const bool isOtherTaken = (gain > 0 || isOverlooked) && !otherRun.isEmpty() &&
                                   spoken(textsOf(run)) != spoken(textsOf(otherRun));
         surer.append(isOtherTaken ? otherRun : run);
         if (!isEnd)
