@@ -101,7 +101,7 @@ TEST(SurerWords, FillWhatTheFirstHearingOverlooked) {
 
 TEST(SurerWords, FillNothingWhereOnlyAMomentOrUnlikelyWordsAreHeard) {
     EXPECT_EQ(textOf(surerWords(words(u"name."_qs) + words(u"To reset"_qs, 5),
-                                words(u"name. On/-2"_qs) + words(u"To reset"_qs, 5))),
+                                words(u"name. On/-1"_qs) + words(u"To reset"_qs, 5))),
               u"name. To reset"_qs)
         << "a pause";
     EXPECT_EQ(textOf(surerWords(words(u"name."_qs) + words(u"To reset"_qs, 2),
@@ -233,6 +233,7 @@ TEST(SecondHearing, HearsOnceWhatItIsSureOf) {
     Halves halves;
     EXPECT_EQ(halves.hear(u"Please/-0.01 that/-0.6 yours/-0.01"_qs, {{0, 1}, {1, 2}}),
               u"Please that yours"_qs);
+    EXPECT_EQ(halves.hear(u"Please that/-3 yours"_qs, {}), u"Please that yours"_qs) << "no voice";
     EXPECT_EQ(halves.hear({}, {}), QString());
     EXPECT_TRUE(halves.heard.empty());
 }
