@@ -38,8 +38,9 @@ public:
                                       bool withLogProbabilities = false);
 
     /// The `words` of all of `samples`, heard with their probabilities, or surer ones: where it
-    /// isn't sure of them it hears `samples` once more, divided at the pauses between the spans of
-    /// `voice`, which costs no more than the first time. Throws the same.
+    /// isn't sure of them or may have passed over some, it hears `samples` once more, divided at
+    /// the pauses between the spans of `voice`, which costs no more than the first time. Throws the
+    /// same.
     QList<TimedWord> recognizeAgain(const QList<TimedWord> &words, std::span<const float> samples,
                                     const std::vector<VoiceSpan> &voice, const QString &size,
                                     const SpeechOptions &options, const std::stop_token &stop);
