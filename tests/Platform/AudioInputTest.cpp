@@ -105,6 +105,7 @@ TYPED_TEST(AudioInputTest, AStopEndsAStartThatWaits) {
     EXPECT_FALSE(starting.isDone());
     this->input.stop();
     EXPECT_TRUE(this->driver.waitUntil([&] { return starting.isDone(); }));
+    this->driver.goOn();
     this->driver.hear();
     this->driver.waitFor(60ms);
     EXPECT_EQ(ear.frames(), 0);

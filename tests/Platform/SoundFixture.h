@@ -170,9 +170,12 @@ struct Pulse : Application {
     PulseAudioInput input{clock};
 
     void hear() {}
-    void beSlow() {} // it is a server
-    void goOn() {}
-    void loseMicrophone() { sound.control(QStringLiteral("unload-module module-remap-source")); }
+    void beSlow() { sound.hang(); }
+    void goOn() { sound.goOn(); }
+    void loseMicrophone() {
+        goOn();
+        sound.control(QStringLiteral("unload-module module-remap-source"));
+    }
     void haveNoMicrophone() {
         loseMicrophone();
         waitUntil([this] { return !await(input.format()).isUsable(); });
