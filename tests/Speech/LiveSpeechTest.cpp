@@ -171,7 +171,7 @@ TEST_F(LiveRecognitionTest, ShowsTheFirstWordsAfterAPauseAndLeavesWhatWasSaidBef
     const QString before = textAfter(silence_);
     EXPECT_TRUE(before.endsWith(u"mailbox."_qs)) << qPrintable(before);
     const std::vector<float> next = decodedAudio(promptPath(u"auth-incorrect"_qs), captureRate);
-    const QString after = textAfter(std::span(next).first(captureRate));
+    const QString after = textAfter(std::span(next).first(captureRate * 5 / 4));
     EXPECT_TRUE(after.startsWith(before + u" Password"_qs)) << qPrintable(after);
 }
 
@@ -187,7 +187,7 @@ TEST_F(LiveRecognitionTest, HearsTheEndOfASentenceThatIsOverBeforeItListensAgain
 }
 
 TEST_F(LiveRecognitionTest, ReportsTheTextEachTimeThoughItIsTheSame) {
-    const QString before = textAfter(sentence_);
+    const QString before = textAfter(decodedAudio(promptPath(u"demo-nogo"_qs), captureRate));
     const std::size_t count = listener_.heard().results.size();
     EXPECT_EQ(textAfter(std::span(silence_).first(captureRate / 4)), before);
     EXPECT_EQ(listener_.heard().results.size(), count + 1);

@@ -51,6 +51,13 @@ TEST_P(ResamplerTest, GivesTheSameInPiecesOfAnySize) {
 INSTANTIATE_TEST_SUITE_P(Rates, ResamplerTest,
                          testing::Values(8000, 16000, 22050, 44100, 48000, 96000, 192000));
 
+TEST(Resampler, KeepsTheHighestSounds) {
+    const std::vector<float> expected = tone(16000, 7700, 0.5);
+    const std::vector<float> output = resampled(48000, tone(48000, 7700, 0.5), 2048);
+    for (std::size_t i = 1000; i + 1000 < output.size(); ++i)
+        ASSERT_NEAR(output[i], expected[i], 0.002) << "at sample " << i;
+}
+
 TEST(Resampler, RemovesWhatDoesNotFitTheNewRate) {
     const std::vector<float> output = resampled(48000, tone(48000, 12000, 0.5), 2048);
     for (std::size_t i = 200; i + 200 < output.size(); ++i)

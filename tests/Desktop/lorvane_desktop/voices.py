@@ -58,6 +58,12 @@ def again(session, voice, times):
                   voice.path)
 
 
+def recording(session, path, text):
+    """Somebody's recording of `text`, its highest sounds kept, and a pause."""
+    return _voice(session, text, "-i", path, "-af",
+                  "aresample=48000:resampler=soxr:cutoff=0.99,apad=pad_dur=0.6")
+
+
 def synthetic(session, text):
     """A synthetic speaker who says any text."""
     raw = session.home / "synthetic.wav"

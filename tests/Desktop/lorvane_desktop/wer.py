@@ -9,7 +9,7 @@ _TENS = "twenty thirty forty fifty sixty seventy eighty ninety".split()
 
 
 def words(text):
-    """The words as they sound: no case, no punctuation, small numbers spelt out."""
+    """The words as they sound: no case, no punctuation, small numbers and years spelt out."""
     text = text.lower().replace("’", "'").replace("-", " ")
     text = re.sub(r"\d+", lambda match: _spelt(int(match[0])), text)
     return re.findall(r"[a-z']+", text)
@@ -21,6 +21,8 @@ def _spelt(number):
     if number < 100:
         tens, ones = divmod(number, 10)
         return _TENS[tens - 2] + (f" {_ONES[ones]}" if ones else "")
+    if 1100 < number < 2000 and number % 100 >= 10:
+        return f"{_spelt(number // 100)} {_spelt(number % 100)}"
     return " ".join(_ONES[int(digit)] for digit in str(number))
 
 
