@@ -8,7 +8,7 @@
 namespace lorvane {
 
 std::vector<float> decodedAudio(const QString &path, int sampleRate) {
-    // Its own resampler would take away the highest sounds, which the models listen to.
+    // ffmpeg's own resampler would take away the highest sounds, which the models listen to.
     const QString resample = u"aresample=%1:resampler=soxr:cutoff=0.99"_qs.arg(sampleRate);
     QProcess ffmpeg;
     ffmpeg.start(u"ffmpeg"_qs, {u"-v"_qs, u"error"_qs, u"-nostdin"_qs, u"-i"_qs, path, u"-af"_qs,
