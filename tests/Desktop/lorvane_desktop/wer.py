@@ -6,11 +6,20 @@ import re
 _ONES = ("zero one two three four five six seven eight nine ten eleven twelve thirteen fourteen "
          "fifteen sixteen seventeen eighteen nineteen").split()
 _TENS = "twenty thirty forty fifty sixty seventy eighty ninety".split()
+# A name's or a noun's own "'s" stays: that isn't known to be short for anything.
+_CONTRACTIONS = [(re.compile(short), full) for short, full in (
+    (r"\bcan't\b|\bcannot\b", "can not"), (r"\bwon't\b", "will not"), (r"n't\b", " not"),
+    (r"'re\b", " are"), (r"'ve\b", " have"), (r"'ll\b", " will"), (r"'d\b", " would"),
+    (r"\bi'm\b", "i am"), (r"\blet's\b", "let us"),
+    (r"\b(he|she|it|that|there|here|what|who|where|how)'s\b", r"\1 is"))]
 
 
 def words(text):
-    """The words as they sound: no case, no punctuation, small numbers and years spelt out."""
+    """The words as they sound: no case, no punctuation, small numbers, years and contractions
+    written in full."""
     text = text.lower().replace("’", "'").replace("-", " ")
+    for short, full in _CONTRACTIONS:
+        text = short.sub(full, text)
     text = re.sub(r"\d+", lambda match: _spelt(int(match[0])), text)
     return re.findall(r"[a-z']+", text)
 
