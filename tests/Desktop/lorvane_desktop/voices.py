@@ -11,6 +11,10 @@ from .session import run
 _SOUNDS = Path("/usr/share/asterisk/sounds/en_US_f_Allison")
 _SCRIPTS = Path("/usr/share/doc/asterisk-core-sounds-en/core-sounds-en.txt.gz")
 
+# What the scripts misspell.
+_SLIPS = {"represenatives": "representatives", "Un-indentified": "Unidentified",
+          "witheld": "withheld", "mail box": "mailbox"}
+
 _BYTES_A_SECOND = 8000
 
 
@@ -27,7 +31,13 @@ def scripts():
     """The scripts of the recorded prompts, by name. Sounds without words are left out."""
     with gzip.open(_SCRIPTS, "rt", encoding="utf-8", errors="replace") as file:
         pairs = (line.split(":", 1) for line in file if ":" in line and not line.startswith(";"))
-        return {name.strip(): text.strip() for name, text in pairs if "[" not in text}
+        return {name.strip(): _corrected(text.strip()) for name, text in pairs if "[" not in text}
+
+
+def _corrected(text):
+    for slip, right in _SLIPS.items():
+        text = text.replace(slip, right)
+    return text
 
 
 def _recording(name):
