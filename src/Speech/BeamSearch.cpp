@@ -13,9 +13,6 @@ constexpr std::size_t width = 4;
 /// A token further than this below the most probable one is never tried.
 constexpr float leastScore = 14;
 
-/// Without phrases, whose rewards come late, a text this far behind hardly ever becomes the best.
-constexpr float mostBehindPlain = 1.5F;
-
 /// A token of a text, and what stands before it.
 struct Link {
     Token token;
@@ -66,8 +63,8 @@ Decoding decodingOf(const Text &text) {
 /// The search from one step to the next.
 class Beam {
 public:
-    Beam(const PhraseTrie &phrases, float mostBehind, const TokenTable &tokens)
-        : phrases_(phrases), mostBehind_(mostBehind), tokens_(tokens), texts_(1) {}
+    Beam(const PhraseTrie &phrases, const TokenTable &tokens)
+        : phrases_(phrases), tokens_(tokens), texts_(1) {}
 
     /// Takes the tokens that may follow each text, and keeps the best texts.
     void grow(const DecoderStep &step) {
@@ -80,8 +77,7 @@ public:
             [](const Continuation &a, const Continuation &b) { return a.score > b.score; });
         std::vector<Text> kept;
         for (const Continuation &next : continuations) {
-            const bool isBest = &next == &continuations.front();
-            if (kept.size() == width || next.score < continuations.front().score - mostBehind_)
+            if (kept.size() == width)
                 break;
             const Text &text = texts_[next.text];
             if (next.token == TokenTable::end) {
@@ -95,27 +91,19 @@ public:
                      std::vector<float>(attention.begin(), attention.end()), text.end});
             if (loopLength(tokensOf(link)) == 0)
                 kept.push_back({std::move(link), next.score, next.progress, next.text});
-            else if (isBest)
-                isBroken_ = true;
         }
         texts_ = std::move(kept);
     }
 
-    /// Whether no text can become better than the best that has come to its end, or the best went
-    /// in a loop to which no reward has led it.
+    /// Whether no text can become better than the best that has come to its end.
     bool isDone() const {
-        return texts_.empty() || (isBroken_ && phrases_.isEmpty()) ||
-               (best_ && texts_.front().score <= best_->score);
+        return texts_.empty() || (best_ && texts_.front().score <= best_->score);
     }
 
     const std::vector<Text> &texts() const { return texts_; }
 
-    std::optional<Decoding> best() const {
-        if (!best_ && texts_.empty())
-            return {};
-        Decoding decoding = decodingOf(best_ ? *best_ : texts_.front());
-        decoding.isBroken = isBroken_ || !isDone();
-        return decoding;
+    std::optional<Text> best() const {
+        return best_ || texts_.empty() ? best_ : std::optional(texts_.front());
     }
 
 private:
@@ -161,10 +149,8 @@ private:
     static std::size_t at(Token token) { return static_cast<std::size_t>(token); }
 
     const PhraseTrie &phrases_;
-    const float mostBehind_;
     const TokenTable &tokens_;
     std::vector<Text> texts_;  ///< the best first
-    bool isBroken_ = false;    ///< what was the best text went in a loop
     std::optional<Text> best_; ///< that has come to its end
     std::vector<Token> chosen_;
 };
@@ -195,9 +181,9 @@ float PhraseProgress::advance(Token token, const PhraseTrie &phrases, const Toke
 }
 
 std::optional<Decoding> searchBeam(DecoderSteps &decoder, std::size_t mostTokens,
-                                   const PhraseTrie &phrases, float mostBehind,
-                                   const TokenTable &tokens, const std::stop_token &stop) {
-    Beam beam(phrases, mostBehind, tokens);
+                                   const PhraseTrie &phrases, const TokenTable &tokens,
+                                   const std::stop_token &stop) {
+    Beam beam(phrases, tokens);
     beam.grow(decoder.begin(stop));
     for (std::size_t count = 1; count < mostTokens && !beam.isDone(); ++count) {
         std::vector<Token> last;
@@ -208,16 +194,8 @@ std::optional<Decoding> searchBeam(DecoderSteps &decoder, std::size_t mostTokens
         }
         beam.grow(decoder.feed(last, rows, stop));
     }
-    return beam.best();
-}
-
-Decoding decodeWithBeam(Hearing &hearing, const TokenTable &tokens, const std::stop_token &stop) {
-    std::optional<Decoding> found = searchBeam(*hearing.decoder, hearing.mostTokens, PhraseTrie(),
-                                               mostBehindPlain, tokens, stop);
-    if (!found || found->isBroken)
-        return decodeGreedily(hearing, true, stop); // up to the place where the model loses itself
-    found->firstFrameTime = hearing.firstFrameTime;
-    return std::move(*found);
+    const std::optional<Text> best = beam.best();
+    return best ? std::optional(decodingOf(*best)) : std::nullopt;
 }
 
 std::vector<PhraseSpan> findPhrases(std::span<const Token> text, const PhraseTrie &phrases,

@@ -29,17 +29,11 @@ struct PhraseSpan {
 };
 
 /// Looks for the most probable text with a few texts side by side, where phrases are rewarded.
-/// A text that is `mostBehind` the best one, in logarithms, is given up. None when every text that
-/// it tries ends in a loop, and broken when the best one did, or came to no end. Throws
-/// LocalizedError, and Abandoned once `stop` is asked for.
+/// None when every text that it tries ends in a loop. Throws LocalizedError, and Abandoned once
+/// `stop` is asked for.
 std::optional<Decoding> searchBeam(DecoderSteps &decoder, std::size_t mostTokens,
-                                   const PhraseTrie &phrases, float mostBehind,
-                                   const TokenTable &tokens, const std::stop_token &stop);
-
-/// Writes down what was heard without phrases: errs less than decodeGreedily() and takes little
-/// longer, since where the model is sure no second text is followed. Where it loses itself it is
-/// the same as decodeGreedily(). Throws the same.
-Decoding decodeWithBeam(Hearing &hearing, const TokenTable &tokens, const std::stop_token &stop);
+                                   const PhraseTrie &phrases, const TokenTable &tokens,
+                                   const std::stop_token &stop);
 
 /// The phrases in a text.
 std::vector<PhraseSpan> findPhrases(std::span<const Token> text, const PhraseTrie &phrases,

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <limits>
 
 namespace lorvane {
 
@@ -263,7 +262,7 @@ Judgement judge(const Decoding &found, const Decoding &plain, const std::vector<
 
 Decoding decodeWithPhrases(Hearing &hearing, const QStringList &phrases, const TokenTable &tokens,
                            const std::stop_token &stop) {
-    Decoding plain = decodeWithBeam(hearing, tokens, stop);
+    Decoding plain = decodeGreedily(hearing, true, stop);
     if (plain.isBroken)
         return plain; // it has to be heard again in any case
     const std::vector<Word> plainWords = wordsOf(plain, tokens);
@@ -291,11 +290,9 @@ Decoding decodeWithPhrases(Hearing &hearing, const QStringList &phrases, const T
         if (trie.isEmpty())
             break;
         std::optional<Decoding> found =
-            searchBeam(*hearing.decoder, hearing.mostTokens, trie,
-                       std::numeric_limits<float>::infinity(), tokens, stop);
+            searchBeam(*hearing.decoder, hearing.mostTokens, trie, tokens, stop);
         if (!found)
             break;
-        found->isBroken = false; // it is the rewards that run in circles
         const Judgement judgement = judge(*found, plain, plainWords, listened, trie, tokens);
         if (judgement.wrong >= 0) {
             listened[static_cast<std::size_t>(judgement.wrong)].trust -= 0.5;

@@ -1,7 +1,6 @@
 #include "Speech/SpeechEngine.h"
 
 #include "Core/LocalizedError.h"
-#include "Speech/BeamSearch.h"
 #include "Speech/Level.h"
 #include "Speech/OwnWords.h"
 #include "Speech/PhraseBias.h"
@@ -56,27 +55,28 @@ SpeechModel &SpeechEngine::model(const QString &size) {
 }
 
 QList<TimedWord> SpeechEngine::recognize(std::span<const float> samples, const QString &size,
-                                         const SpeechOptions &options, const std::stop_token &stop,
-                                         Search search) {
+                                         const SpeechOptions &options,
+                                         const std::stop_token &stop) {
     const std::vector<float> voice = amplified(samples, gainFor(samples));
     VoiceActivity activity = makeVoiceActivity();
     activity.listen(voice, stop);
     const double duration = static_cast<double>(samples.size()) / SpeechModel::sampleRate;
     QList<TimedWord> words;
     for (const VoiceSpan &stretch : planStretches(activity.probabilities(), duration))
-        words.append(recognizeStretch(voice, stretch, size, options, stop, search));
+        words.append(recognizeStretch(voice, stretch, size, options, stop));
     return ownWords(words, duration, options.context);
 }
 
 QList<TimedWord> SpeechEngine::recognizeStretch(std::span<const float> samples, VoiceSpan stretch,
                                                 const QString &size, const SpeechOptions &options,
-                                                const std::stop_token &stop, Search search) {
+                                                const std::stop_token &stop,
+                                                bool withLogProbabilities) {
     return hearWithoutLoss(samples, stretch, [&](VoiceSpan part) {
         // A part may be all silence, which the model would make words of.
         const bool isPart = part.start > stretch.start || part.end < stretch.end;
         return isPart && !hasVoice(partOf(samples, part), stop)
                    ? Attempt()
-                   : attempt(samples, part, size, options, stop, search);
+                   : attempt(samples, part, size, options, stop, withLogProbabilities);
     });
 }
 
@@ -88,7 +88,7 @@ QList<TimedWord> SpeechEngine::recognizeAgain(const QList<TimedWord> &words,
     const double duration = static_cast<double>(samples.size()) / SpeechModel::sampleRate;
     return hearAgain(words, partsOf(voice, duration), options.contextualStrings,
                      [&](VoiceSpan part) {
-                         return recognizeStretch(samples, part, size, SpeechOptions(), stop);
+                         return recognizeStretch(samples, part, size, SpeechOptions(), stop, true);
                      });
 }
 
@@ -100,14 +100,13 @@ bool SpeechEngine::hasVoice(std::span<const float> samples, const std::stop_toke
 
 Attempt SpeechEngine::attempt(std::span<const float> samples, VoiceSpan stretch,
                               const QString &size, const SpeechOptions &options,
-                              const std::stop_token &stop, Search search) {
+                              const std::stop_token &stop, bool withLogProbabilities) {
     const std::span<const float> voice = partOf(samples, stretch);
     Hearing hearing = model(size).hear(voice, stop);
     const Decoding decoding =
-        !options.contextualStrings.isEmpty()
-            ? decodeWithPhrases(hearing, options.contextualStrings, *tokens_, stop)
-        : search == Search::beam ? decodeWithBeam(hearing, *tokens_, stop)
-                                 : decodeGreedily(hearing, false, stop);
+        options.contextualStrings.isEmpty()
+            ? decodeGreedily(hearing, withLogProbabilities, stop)
+            : decodeWithPhrases(hearing, options.contextualStrings, *tokens_, stop);
     Attempt attempt{
         timedWords(decoding, *tokens_, static_cast<double>(voice.size()) / SpeechModel::sampleRate),
         decoding.isBroken};
