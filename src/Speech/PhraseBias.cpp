@@ -206,8 +206,13 @@ bool isAnyLost(const std::vector<PhraseSpan> &heard, const std::vector<PhraseSpa
     });
 }
 
+/// So many words may be one word of a phrase and be heard as several. A text that has fewer in a
+/// place came to its end too early there, since each word more makes a text less probable.
+constexpr std::size_t mostLost = 3;
+
 /// What became of the phrases in a text that was found with them.
 struct Judgement {
+    bool isCutOff = false;   ///< it leaves out what was heard without them
     bool hasPhrases = false; ///< that are not heard without them
     int wrong = -1;          ///< one that was not said, or -1
 };
@@ -225,6 +230,8 @@ Judgement judge(const Decoding &found, const Decoding &plain, const std::vector<
             judgement.wrong = spans[i].phrase;
     }
     for (const Difference &place : differences(words, plainWords)) {
+        if (place.otherLast - place.otherFirst > place.last - place.first + mostLost)
+            judgement.isCutOff = true;
         if (place.first == place.last)
             continue;
         // What was heard once is replaced by one phrase.
@@ -294,6 +301,8 @@ Decoding decodeWithPhrases(Hearing &hearing, const QStringList &phrases, const T
         if (!found)
             break;
         const Judgement judgement = judge(*found, plain, plainWords, listened, trie, tokens);
+        if (judgement.isCutOff)
+            break;
         if (judgement.wrong >= 0) {
             listened[static_cast<std::size_t>(judgement.wrong)].trust -= 0.5;
             continue;

@@ -77,6 +77,14 @@ TEST(ListeningForPhrases, TakesNoneTwiceInARow) {
               u"far pleasanter uneasier"_qs);
 }
 
+TEST(ListeningForPhrases, LosesNothingOfWhatWasSaidForAPhrase) {
+    const QString plain = u"said Panorse now and then we all went home again"_qs;
+    for (const QString &cutOff : {u"said Pannartz"_qs, u"said Pannartz again"_qs})
+        EXPECT_EQ(listening(u"Pannartz"_qs, plain, cutOff, 1), plain);
+    EXPECT_EQ(listening(u"Pannartz"_qs, u"said Pan or it's now"_qs, u"said Pannartz now"_qs, 0.5),
+              u"said Pannartz now"_qs);
+}
+
 TEST(ListeningForPhrases, LeavesABrokenTextToBeHeardAgain) {
     Hearing heard = hearing({{u"no"_qs + u" no"_qs.repeated(30), 0.9}, {u"Nowak"_qs, 0.1}}, 100);
     EXPECT_TRUE(decodeWithPhrases(heard, {u"Nowak"_qs}, table(), {}).isBroken);
