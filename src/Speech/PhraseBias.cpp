@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <numeric>
 
 namespace lorvane {
 
@@ -206,9 +207,14 @@ bool isAnyLost(const std::vector<PhraseSpan> &heard, const std::vector<PhraseSpa
     });
 }
 
-/// So many words may be one word of a phrase and be heard as several. A text that has fewer in a
-/// place came to its end too early there, since each word more makes a text less probable.
-constexpr std::size_t mostLost = 3;
+/// By so many letters a phrase may be shorter than what was heard in its place. A text that lacks
+/// more has come to its end too early: each word more makes a text less probable.
+constexpr qsizetype mostLettersLost = 12;
+
+qsizetype letterCount(std::span<const Word> words) {
+    return std::accumulate(words.begin(), words.end(), qsizetype{0},
+                           [](qsizetype sum, const Word &word) { return sum + word.text.size(); });
+}
 
 /// What became of the phrases in a text that was found with them.
 struct Judgement {
@@ -230,13 +236,14 @@ Judgement judge(const Decoding &found, const Decoding &plain, const std::vector<
             judgement.wrong = spans[i].phrase;
     }
     for (const Difference &place : differences(words, plainWords)) {
-        if (place.otherLast - place.otherFirst > place.last - place.first + mostLost)
-            judgement.isCutOff = true;
-        if (place.first == place.last)
-            continue;
         // What was heard once is replaced by one phrase.
         auto replaced =
             std::span(plainWords).subspan(place.otherFirst, place.otherLast - place.otherFirst);
+        const auto instead = std::span(words).subspan(place.first, place.last - place.first);
+        if (letterCount(replaced) > letterCount(instead) + mostLettersLost)
+            judgement.isCutOff = true;
+        if (instead.empty())
+            continue;
         double allowed = 0;
         double least = 2;
         int leastLike = -1;

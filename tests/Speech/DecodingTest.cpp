@@ -81,8 +81,9 @@ TEST(ListeningForPhrases, LosesNothingOfWhatWasSaidForAPhrase) {
     const QString plain = u"said Panorse now and then we all went home again"_qs;
     for (const QString &cutOff : {u"said Pannartz"_qs, u"said Pannartz again"_qs})
         EXPECT_EQ(listening(u"Pannartz"_qs, plain, cutOff, 1), plain);
-    EXPECT_EQ(listening(u"Pannartz"_qs, u"said Pan or it's now"_qs, u"said Pannartz now"_qs, 0.5),
-              u"said Pannartz now"_qs);
+    // But what was heard as many words may be one.
+    EXPECT_EQ(listening(u"LGBTQIA"_qs, u"said L G B T Q I A now"_qs, u"said LGBTQIA now"_qs, 0.5),
+              u"said LGBTQIA now"_qs);
 }
 
 TEST(ListeningForPhrases, LeavesABrokenTextToBeHeardAgain) {
