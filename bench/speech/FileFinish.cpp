@@ -82,7 +82,7 @@ std::pair<Results, double> analyze(Models &models, const QString &path) {
 double bareSeconds(Models &models, std::span<const float> samples) {
     const auto start = SteadyClock::now();
     const double duration = static_cast<double>(samples.size()) / SpeechModel::sampleRate;
-    models.bare->recognizeStretch(samples, {0, duration}, fileModel, {}, {});
+    models.bare->recognizeStretch(samples, {0, duration}, fileModel, {}, {}, Search::greedy);
     return secondsSince(start);
 }
 

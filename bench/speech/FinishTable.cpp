@@ -59,7 +59,7 @@ public:
     Cost bare(const QString &path) {
         const Stopwatch watch;
         const std::vector<float> samples = readSamples(audioFile, path, {});
-        engine_->use().recognize(samples, fileModel, {}, {});
+        engine_->use().recognize(samples, fileModel, {}, {}, Search::greedy);
         return watch.stop();
     }
 

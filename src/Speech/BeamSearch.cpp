@@ -1,6 +1,7 @@
 #include "Speech/BeamSearch.h"
 
 #include <algorithm>
+#include <limits>
 #include <memory>
 
 namespace lorvane {
@@ -12,6 +13,10 @@ constexpr std::size_t width = 4;
 
 /// A token further than this below the most probable one is never tried.
 constexpr float leastScore = 14;
+
+/// Without phrases, whose rewards come late, a text this far behind the best, in logarithms, hardly
+/// ever becomes the best. Measured: see docs/recogniser.md.
+constexpr float mostBehind = 1.5F;
 
 /// A token of a text, and what stands before it.
 struct Link {
@@ -25,7 +30,8 @@ struct Text {
     std::shared_ptr<const Link> end;
     float score = 0; ///< the logarithm of its probability, and its rewards
     PhraseProgress progress;
-    std::size_t row = 0; ///< of the step that says what may follow
+    std::size_t row = 0;   ///< of the step that says what may follow
+    bool isGreedy = false; ///< it consists of the most probable token at every step
 };
 
 /// A text with one more token.
@@ -35,6 +41,7 @@ struct Continuation {
     float logProbability;
     float score;
     PhraseProgress progress;
+    bool isGreedy;
 };
 
 std::vector<Token> tokensOf(const std::shared_ptr<const Link> &end) {
@@ -64,7 +71,12 @@ Decoding decodingOf(const Text &text) {
 class Beam {
 public:
     Beam(const PhraseTrie &phrases, const TokenTable &tokens)
-        : phrases_(phrases), tokens_(tokens), texts_(1) {}
+        : phrases_(phrases),
+          mostBehind_(phrases.isEmpty() ? mostBehind : noLimit),
+          tokens_(tokens),
+          texts_(1) {
+        texts_.front().isGreedy = phrases.isEmpty();
+    }
 
     /// Takes the tokens that may follow each text, and keeps the best texts.
     void grow(const DecoderStep &step) {
@@ -77,12 +89,13 @@ public:
             [](const Continuation &a, const Continuation &b) { return a.score > b.score; });
         std::vector<Text> kept;
         for (const Continuation &next : continuations) {
-            if (kept.size() == width)
-                break;
+            const bool isBehind =
+                kept.size() >= width || next.score < continuations.front().score - mostBehind_;
+            if (isBehind && !next.isGreedy)
+                continue;
             const Text &text = texts_[next.text];
             if (next.token == TokenTable::end) {
-                if (!best_ || next.score > best_->score)
-                    best_ = Text{text.end, next.score, next.progress, 0};
+                addEnded({text.end, next.score, next.progress, 0, next.isGreedy});
                 continue;
             }
             const std::span<const float> attention = step.attentionOf(next.text);
@@ -90,20 +103,26 @@ public:
                 Link{next.token, next.logProbability,
                      std::vector<float>(attention.begin(), attention.end()), text.end});
             if (loopLength(tokensOf(link)) == 0)
-                kept.push_back({std::move(link), next.score, next.progress, next.text});
+                kept.push_back(
+                    {std::move(link), next.score, next.progress, next.text, next.isGreedy});
+            else if (next.isGreedy)
+                isLost_ = true;
         }
         texts_ = std::move(kept);
     }
 
     /// Whether no text can become better than the best that has come to its end.
     bool isDone() const {
-        return texts_.empty() || (best_ && texts_.front().score <= best_->score);
+        return texts_.empty() || isLost_ ||
+               (!isGreedyOpen() && !ended_.empty() && texts_.front().score <= best().score);
     }
 
     const std::vector<Text> &texts() const { return texts_; }
 
-    std::optional<Text> best() const {
-        return best_ || texts_.empty() ? best_ : std::optional(texts_.front());
+    std::optional<Decoding> result() const {
+        if (isLost_ || isGreedyOpen() || (ended_.empty() && texts_.empty()))
+            return {};
+        return decodingOf(ended_.empty() ? texts_.front() : best());
     }
 
 private:
@@ -111,12 +130,14 @@ private:
                              std::vector<Continuation> &continuations) {
         const Text &text = texts_[index];
         const float normalizer = logNormalizer(scores);
+        bool isGreedy = text.isGreedy; // the first one that is appended
         const auto append = [&](Token token) {
             if (token == TokenTable::end && !text.end)
                 return; // there is a voice, so there are words
             const float logProbability = scores[static_cast<std::size_t>(token)] - normalizer;
-            Continuation next{index, token, logProbability, text.score + logProbability,
-                              text.progress};
+            Continuation next{index,          token,
+                              logProbability, text.score + logProbability,
+                              text.progress,  std::exchange(isGreedy, false)};
             next.score += next.progress.advance(token, phrases_, tokens_);
             continuations.push_back(next);
         };
@@ -146,12 +167,48 @@ private:
             append(token);
     }
 
+    void addEnded(Text text) {
+        if (text.isGreedy) {
+            leastLetters_ = letterCount(text) - mostLettersLost;
+            std::erase_if(ended_, [&](const Text &other) { return isCutOff(other); });
+        }
+        if (!isCutOff(text))
+            ended_.push_back(std::move(text));
+    }
+
+    bool isCutOff(const Text &text) const { return letterCount(text) < leastLetters_; }
+
+    qsizetype letterCount(const Text &text) const {
+        QByteArray utf8;
+        for (const Token token : tokensOf(text.end))
+            utf8 += tokens_.bytes(token);
+        const QString characters = QString::fromUtf8(utf8);
+        return std::count_if(characters.begin(), characters.end(),
+                             [](QChar c) { return c.isLetterOrNumber(); });
+    }
+
+    /// Of the texts that have come to their end, of which there is one.
+    const Text &best() const {
+        return *std::max_element(ended_.begin(), ended_.end(),
+                                 [](const Text &a, const Text &b) { return a.score < b.score; });
+    }
+
+    bool isGreedyOpen() const {
+        return std::any_of(texts_.begin(), texts_.end(),
+                           [](const Text &text) { return text.isGreedy; });
+    }
+
     static std::size_t at(Token token) { return static_cast<std::size_t>(token); }
 
+    static constexpr float noLimit = std::numeric_limits<float>::infinity();
+
     const PhraseTrie &phrases_;
+    const float mostBehind_;
     const TokenTable &tokens_;
-    std::vector<Text> texts_;  ///< the best first
-    std::optional<Text> best_; ///< that has come to its end
+    std::vector<Text> texts_;    ///< the best first
+    std::vector<Text> ended_;    ///< those that are not cut off, as far as is known
+    qsizetype leastLetters_ = 0; ///< of a text that is not cut off
+    bool isLost_ = false;        ///< the greedy text runs in circles
     std::vector<Token> chosen_;
 };
 
@@ -194,8 +251,16 @@ std::optional<Decoding> searchBeam(DecoderSteps &decoder, std::size_t mostTokens
         }
         beam.grow(decoder.feed(last, rows, stop));
     }
-    const std::optional<Text> best = beam.best();
-    return best ? std::optional(decodingOf(*best)) : std::nullopt;
+    return beam.result();
+}
+
+Decoding decodeWithBeam(Hearing &hearing, const TokenTable &tokens, const std::stop_token &stop) {
+    std::optional<Decoding> found =
+        searchBeam(*hearing.decoder, hearing.mostTokens, PhraseTrie(), tokens, stop);
+    if (!found)
+        return decodeGreedily(hearing, true, stop); // up to the place where the model loses itself
+    found->firstFrameTime = hearing.firstFrameTime;
+    return std::move(*found);
 }
 
 std::vector<PhraseSpan> findPhrases(std::span<const Token> text, const PhraseTrie &phrases,

@@ -28,12 +28,23 @@ struct PhraseSpan {
     std::size_t last = 0;
 };
 
+/// By so many letters a text, or a phrase, may be shorter than what it stands in place of. What
+/// lacks more has come to its end too early: each word more makes a text less probable.
+constexpr qsizetype mostLettersLost = 12;
+
 /// Looks for the most probable text with a few texts side by side, where phrases are rewarded.
-/// None when every text that it tries ends in a loop. Throws LocalizedError, and Abandoned once
-/// `stop` is asked for.
+/// Without phrases, the most probable token at every step makes one of them, and no text is taken
+/// that leaves out more of it than mostLettersLost; none at all when that one runs in a loop or
+/// comes to no end. With phrases none when every text that it tries ends in a loop. Throws
+/// LocalizedError, and Abandoned once `stop` is asked for.
 std::optional<Decoding> searchBeam(DecoderSteps &decoder, std::size_t mostTokens,
                                    const PhraseTrie &phrases, const TokenTable &tokens,
                                    const std::stop_token &stop);
+
+/// Writes down what was heard without phrases: errs less than decodeGreedily() and takes little
+/// longer, since where the model is sure no second text is followed. Where it loses itself it is
+/// the same as decodeGreedily(). Throws the same.
+Decoding decodeWithBeam(Hearing &hearing, const TokenTable &tokens, const std::stop_token &stop);
 
 /// The phrases in a text.
 std::vector<PhraseSpan> findPhrases(std::span<const Token> text, const PhraseTrie &phrases,

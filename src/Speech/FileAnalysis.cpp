@@ -91,7 +91,7 @@ void FileAnalysis::finish(AudioFileReader &file, OnResult onResult, const std::s
     last_.reset();
     for (const VoiceSpan &place :
          cutter_.finish(static_cast<double>(end()) / SpeechModel::sampleRate))
-        give(recognize(place, false, stop), stop);
+        give(recognize(place, stop), stop);
 }
 
 bool FileAnalysis::take(AudioFileReader &file) {
@@ -139,7 +139,7 @@ void FileAnalysis::cut(const std::stop_token &stop) {
             give(*last_, stop);
             last_.reset();
         }
-        last_ = recognize(*waiting_, true, stop);
+        last_ = recognize(*waiting_, stop);
         if (last_->words.isEmpty())
             last_.reset();
         waiting_.reset();
@@ -162,15 +162,14 @@ std::vector<VoiceSpan> FileAnalysis::voiceIn(VoiceSpan stretch) const {
     return spans;
 }
 
-FileAnalysis::Stretch FileAnalysis::recognize(VoiceSpan place, bool isSettled,
-                                              const std::stop_token &stop) {
+FileAnalysis::Stretch FileAnalysis::recognize(VoiceSpan place, const std::stop_token &stop) {
     Stretch stretch{place,
                     amplified(samples(sampleAt(place.start), sampleAt(place.end)), gain_),
                     voiceIn(place),
                     {}};
     const double duration = static_cast<double>(stretch.samples.size()) / SpeechModel::sampleRate;
     stretch.words = engine_->use().recognizeStretch(stretch.samples, {0, duration}, engine_->size(),
-                                                    options_, stop, isSettled);
+                                                    options_, stop);
     return stretch;
 }
 

@@ -47,7 +47,7 @@ private:
         std::vector<VoiceSpan> voice; ///< from its start, as the words
         QList<TimedWord> words;
     };
-    Stretch recognize(VoiceSpan place, bool isSettled, const std::stop_token &stop);
+    Stretch recognize(VoiceSpan place, const std::stop_token &stop);
     void hearAgain(Stretch &stretch, const std::stop_token &stop);
     void give(const Stretch &stretch, const std::stop_token &stop);
     void forget();

@@ -100,8 +100,8 @@ void LiveRecognition::transcribe(const std::stop_token &stop) {
     for (const VoiceSpan &stretch : stretches) {
         const VoiceSpan open{std::max(stretch.start, settledEnd_), stretch.end};
         if (open.end > open.start)
-            words.append(
-                engine_->use().recognizeStretch(voice, open, engine_->size(), options_, stop));
+            words.append(engine_->use().recognizeStretch(voice, open, engine_->size(), options_,
+                                                         stop, Search::greedy));
     }
     transcribedEnd_ = stretches.back().end;
     words_ = std::move(words);

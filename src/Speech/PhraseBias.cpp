@@ -207,10 +207,6 @@ bool isAnyLost(const std::vector<PhraseSpan> &heard, const std::vector<PhraseSpa
     });
 }
 
-/// By so many letters a phrase may be shorter than what was heard in its place. A text that lacks
-/// more has come to its end too early: each word more makes a text less probable.
-constexpr qsizetype mostLettersLost = 12;
-
 qsizetype letterCount(std::span<const Word> words) {
     return std::accumulate(words.begin(), words.end(), qsizetype{0},
                            [](qsizetype sum, const Word &word) { return sum + word.text.size(); });
@@ -276,7 +272,7 @@ Judgement judge(const Decoding &found, const Decoding &plain, const std::vector<
 
 Decoding decodeWithPhrases(Hearing &hearing, const QStringList &phrases, const TokenTable &tokens,
                            const std::stop_token &stop) {
-    Decoding plain = decodeGreedily(hearing, true, stop);
+    Decoding plain = decodeWithBeam(hearing, tokens, stop);
     if (plain.isBroken)
         return plain; // it has to be heard again in any case
     const std::vector<Word> plainWords = wordsOf(plain, tokens);

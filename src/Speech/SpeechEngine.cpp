@@ -1,6 +1,7 @@
 #include "Speech/SpeechEngine.h"
 
 #include "Core/LocalizedError.h"
+#include "Speech/BeamSearch.h"
 #include "Speech/Level.h"
 #include "Speech/OwnWords.h"
 #include "Speech/PhraseBias.h"
@@ -55,28 +56,27 @@ SpeechModel &SpeechEngine::model(const QString &size) {
 }
 
 QList<TimedWord> SpeechEngine::recognize(std::span<const float> samples, const QString &size,
-                                         const SpeechOptions &options,
-                                         const std::stop_token &stop) {
+                                         const SpeechOptions &options, const std::stop_token &stop,
+                                         Search search) {
     const std::vector<float> voice = amplified(samples, gainFor(samples));
     VoiceActivity activity = makeVoiceActivity();
     activity.listen(voice, stop);
     const double duration = static_cast<double>(samples.size()) / SpeechModel::sampleRate;
     QList<TimedWord> words;
     for (const VoiceSpan &stretch : planStretches(activity.probabilities(), duration))
-        words.append(recognizeStretch(voice, stretch, size, options, stop));
+        words.append(recognizeStretch(voice, stretch, size, options, stop, search));
     return ownWords(words, duration, options.context);
 }
 
 QList<TimedWord> SpeechEngine::recognizeStretch(std::span<const float> samples, VoiceSpan stretch,
                                                 const QString &size, const SpeechOptions &options,
-                                                const std::stop_token &stop,
-                                                bool withLogProbabilities) {
+                                                const std::stop_token &stop, Search search) {
     return hearWithoutLoss(samples, stretch, [&](VoiceSpan part) {
         // A part may be all silence, which the model would make words of.
         const bool isPart = part.start > stretch.start || part.end < stretch.end;
         return isPart && !hasVoice(partOf(samples, part), stop)
                    ? Attempt()
-                   : attempt(samples, part, size, options, stop, withLogProbabilities);
+                   : attempt(samples, part, size, options, stop, search);
     });
 }
 
@@ -88,7 +88,7 @@ QList<TimedWord> SpeechEngine::recognizeAgain(const QList<TimedWord> &words,
     const double duration = static_cast<double>(samples.size()) / SpeechModel::sampleRate;
     return hearAgain(words, partsOf(voice, duration), options.contextualStrings,
                      [&](VoiceSpan part) {
-                         return recognizeStretch(samples, part, size, SpeechOptions(), stop, true);
+                         return recognizeStretch(samples, part, size, SpeechOptions(), stop);
                      });
 }
 
@@ -100,13 +100,14 @@ bool SpeechEngine::hasVoice(std::span<const float> samples, const std::stop_toke
 
 Attempt SpeechEngine::attempt(std::span<const float> samples, VoiceSpan stretch,
                               const QString &size, const SpeechOptions &options,
-                              const std::stop_token &stop, bool withLogProbabilities) {
+                              const std::stop_token &stop, Search search) {
     const std::span<const float> voice = partOf(samples, stretch);
     Hearing hearing = model(size).hear(voice, stop);
     const Decoding decoding =
-        options.contextualStrings.isEmpty()
-            ? decodeGreedily(hearing, withLogProbabilities, stop)
-            : decodeWithPhrases(hearing, options.contextualStrings, *tokens_, stop);
+        !options.contextualStrings.isEmpty()
+            ? decodeWithPhrases(hearing, options.contextualStrings, *tokens_, stop)
+        : search == Search::beam ? decodeWithBeam(hearing, *tokens_, stop)
+                                 : decodeGreedily(hearing, false, stop);
     Attempt attempt{
         timedWords(decoding, *tokens_, static_cast<double>(voice.size()) / SpeechModel::sampleRate),
         decoding.isBroken};

@@ -8,6 +8,10 @@
 
 namespace lorvane {
 
+/// How the text of a stretch is looked for: a token at a time, or with a few texts side by side,
+/// which errs less, takes a little longer and tells how probable the words are.
+enum class Search { greedy, beam };
+
 /// The recognition of one language: models that are loaded when they are first needed, and stay.
 /// One thread at a time.
 class SpeechEngine {
@@ -27,15 +31,14 @@ public:
     /// The words of finished audio, mono at 16 kHz, of any length. Nothing but silence and noise
     /// gives none. Throws LocalizedError, and Abandoned once `stop` is asked for.
     QList<TimedWord> recognize(std::span<const float> samples, const QString &size,
-                               const SpeechOptions &options, const std::stop_token &stop);
+                               const SpeechOptions &options, const std::stop_token &stop,
+                               Search search = Search::beam);
 
     /// The words of one stretch of `samples` in which there is a voice, at most
     /// SpeechModel::longestStretch long, with times from the start of `samples`. Throws the same.
-    /// Their probabilities are there only if they are asked for.
     QList<TimedWord> recognizeStretch(std::span<const float> samples, VoiceSpan stretch,
                                       const QString &size, const SpeechOptions &options,
-                                      const std::stop_token &stop,
-                                      bool withLogProbabilities = false);
+                                      const std::stop_token &stop, Search search = Search::beam);
 
     /// The `words` of all of `samples`, heard with their probabilities, or surer ones: where it
     /// isn't sure of them or may have passed over some, it hears `samples` once more, divided at
@@ -49,8 +52,7 @@ private:
     SpeechModel &model(const QString &size);
     bool hasVoice(std::span<const float> samples, const std::stop_token &stop);
     Attempt attempt(std::span<const float> samples, VoiceSpan stretch, const QString &size,
-                    const SpeechOptions &options, const std::stop_token &stop,
-                    bool withLogProbabilities);
+                    const SpeechOptions &options, const std::stop_token &stop, Search search);
 
     OnnxRuntime &runtime_;
     ModelFolder folder_;

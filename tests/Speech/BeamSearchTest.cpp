@@ -68,7 +68,45 @@ TEST(BeamSearch, GivesEachTokenItsAttentionAndProbability) {
 
 TEST(BeamSearch, LeavesATextThatRunsInCircles) {
     const QString loop = u"no "_qs.repeated(30).trimmed();
-    EXPECT_EQ(found(KnownSentences({{loop, 0.9}, {u"not now"_qs, 0.1}})), u"not now"_qs);
+    EXPECT_EQ(found(KnownSentences({{loop, 0.9}, {u"not now"_qs, 0.1}}), {u"yes"_qs}),
+              u"not now"_qs);
+}
+
+TEST(BeamSearch, GivesUpATextThatIsTooFarBehind) {
+    const auto foundWith = [](double share) {
+        std::map<QString, double> sentences{{u"the bird"_qs, share}};
+        for (const auto *animal : {u"cat", u"dog", u"cow", u"hen", u"pig", u"fox"})
+            sentences[u"a "_qs + QString::fromUtf16(animal)] = (1 - share) / 6;
+        return found(KnownSentences(sentences));
+    };
+    EXPECT_EQ(foundWith(0.19), u"the bird"_qs);
+    EXPECT_EQ(foundWith(0.17), u"a cat"_qs);
+}
+
+TEST(BeamSearch, TakesNoTextThatLeavesOutWhatIsMostProbableWordByWord) {
+    // All that is longer is less probable as a whole.
+    EXPECT_EQ(found(KnownSentences({{u"Yes."_qs, 0.4},
+                                    {u"Well, we all went home again"_qs, 0.25},
+                                    {u"Well, we all went home today"_qs, 0.2},
+                                    {u"Well, he"_qs, 0.15}})),
+              u"Well, we all went home again"_qs);
+    // Not even if it falls far behind.
+    std::map<QString, double> sentences{{u"Yes."_qs, 0.49}};
+    for (const auto *who : {u"I", u"we", u"you", u"they", u"he", u"she", u"it", u"one"})
+        sentences[u"Well, %1 will go home together"_qs.arg(who)] = 0.51 / 8;
+    EXPECT_TRUE(found(KnownSentences(sentences)).startsWith(u"Well, "_qs));
+    // But a few letters less are no loss.
+    EXPECT_EQ(
+        found(KnownSentences({{u"Yes."_qs, 0.4}, {u"Well, so"_qs, 0.3}, {u"Well, then"_qs, 0.3}})),
+        u"Yes."_qs);
+}
+
+TEST(BeamSearch, FindsNothingWhereTheMostProbableTokensRunInCirclesOrComeToNoEnd) {
+    // Another text is no answer: what was said behind the loop would be lost.
+    const QString loop = u"no "_qs.repeated(30).trimmed();
+    EXPECT_EQ(found(KnownSentences({{loop, 0.6}, {u"not now"_qs, 0.4}})), u"nothing"_qs);
+    KnownSentences endless({{u"one two three four five six"_qs, 0.6}, {u"one"_qs, 0.4}});
+    EXPECT_FALSE(searchBeam(endless, 3, PhraseTrie(), table(), {}));
 }
 
 TEST(FoundPhrases, AreWholeWordsAndTheLongest) {

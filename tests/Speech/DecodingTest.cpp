@@ -1,5 +1,6 @@
 #include "Speech/Decoding.h"
 
+#include "Speech/BeamSearch.h"
 #include "Speech/KnownSentences.h"
 #include "Speech/PhraseBias.h"
 
@@ -36,6 +37,43 @@ TEST(Decoding, IsBrokenWhereTheModelComesToNoEnd) {
         greedily({{u"one two three four five six seven eight nine"_qs, 1}}, 5);
     EXPECT_EQ(decoding.tokens.size(), 5U);
     EXPECT_TRUE(decoding.isBroken);
+}
+
+Decoding withBeam(const std::map<QString, double> &sentences, std::size_t mostTokens = 50) {
+    Hearing heard = hearing(sentences, mostTokens);
+    return decodeWithBeam(heard, table(), {});
+}
+
+TEST(DecodingWithBeam, TakesTheMostProbableTextAsAWhole) {
+    const std::map<QString, double> sentences{
+        {u"a cat"_qs, 0.2}, {u"a dog"_qs, 0.2}, {u"a horse"_qs, 0.2}, {u"the bird"_qs, 0.4}};
+    EXPECT_NE(textOf(greedily(sentences)), u"the bird"_qs);
+    const Decoding decoding = withBeam(sentences);
+    EXPECT_EQ(textOf(decoding), u"the bird"_qs);
+    EXPECT_EQ(decoding.logProbabilities.size(), decoding.tokens.size());
+}
+
+TEST(DecodingWithBeam, FollowsNoSecondTextWhereTheModelIsSure) {
+    auto sentences = std::make_unique<KnownSentences>(
+        std::map<QString, double>{{u"one two three"_qs, 0.9}, {u"one tree"_qs, 0.1}});
+    const KnownSentences &decoder = *sentences;
+    Hearing heard{std::move(sentences), 50, 0};
+    EXPECT_EQ(textOf(decodeWithBeam(heard, table(), {})), u"one two three"_qs);
+    EXPECT_EQ(decoder.widest, 1U);
+}
+
+TEST(DecodingWithBeam, IsBrokenWhereTheModelRepeatsItself) {
+    // Another text is no answer: what was said behind the loop would be lost.
+    const std::map<QString, double> sentences{
+        {u"so he said"_qs + u" you know"_qs.repeated(20), 0.6}, {u"so he did"_qs, 0.4}};
+    const Decoding decoding = withBeam(sentences, 200);
+    EXPECT_EQ(textOf(decoding), u"so he said you know"_qs);
+    EXPECT_TRUE(decoding.isBroken);
+    EXPECT_EQ(decoding.logProbabilities.size(), decoding.tokens.size());
+}
+
+TEST(DecodingWithBeam, IsBrokenWhereTheModelComesToNoEnd) {
+    EXPECT_TRUE(withBeam({{u"one two three four five six seven eight nine"_qs, 1}}, 5).isBroken);
 }
 
 /// What is written down when `phrase` is listened for, and what was heard without it is so many

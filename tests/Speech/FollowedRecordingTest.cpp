@@ -99,8 +99,9 @@ TEST_F(FollowedRecordingTest, GivesBitForBitWhatTheFinishedFileGives) {
 class SecondHearingTest : public testing::Test {
 protected:
     SecondHearingTest() {
-        for (const auto *name : {u"tt-weasels", u"vm-rec-unv", u"conf-waitforleader"})
+        for (const auto *name : {u"conf-leaderhasleft", u"vm-tomakecall", u"vm-theperson"})
             say(QString::fromUtf16(name), 0.3);
+        pause(0.5); // so that a longer one changes nothing
     }
 
     void say(const QString &prompt, double pauseAfter) {
@@ -111,8 +112,8 @@ protected:
     void pause(double seconds) {
         samples_.resize(samples_.size() + static_cast<std::size_t>(seconds * sampleRate));
     }
-    static QString misheard() { return u"say you're an unavailable"_qs; }
-    static QString heardAgain() { return u"say your unavailable"_qs; }
+    static QString misheard() { return u"press forward to place"_qs; }
+    static QString heardAgain() { return u"Press 4 to place"_qs; }
 
     SndfileAudioFile audioFile_;
     std::vector<float> samples_;
@@ -140,7 +141,7 @@ TEST_F(SecondHearingTest, IsOfWhatIsFollowedNotOfWhatSomebodyWaitsFor) {
     EXPECT_TRUE(followed.contains(heardAgain())) << qPrintable(followed);
     EXPECT_EQ(heardWith({u"Anirudh"_qs}).front().text, followed)
         << "with a phrase that nobody says";
-    EXPECT_EQ(heardWith({u"weasels"_qs}).front().text, last) << "with a phrase in the stretch";
+    EXPECT_EQ(heardWith({u"conference"_qs}).front().text, last) << "with a phrase in the stretch";
 }
 
 TEST_F(SecondHearingTest, IsTheSameWhenItIsDoneAhead) {
