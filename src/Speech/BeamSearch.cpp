@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <memory>
+#include <utility>
 
 namespace lorvane {
 
@@ -187,7 +188,7 @@ private:
                              [](QChar c) { return c.isLetterOrNumber(); });
     }
 
-    /// Of the texts that have come to their end, of which there is one.
+    /// Of the texts that have come to their end: at least one.
     const Text &best() const {
         return *std::max_element(ended_.begin(), ended_.end(),
                                  [](const Text &a, const Text &b) { return a.score < b.score; });
