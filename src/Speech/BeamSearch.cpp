@@ -1,7 +1,6 @@
 #include "Speech/BeamSearch.h"
 
 #include <algorithm>
-#include <limits>
 #include <memory>
 #include <utility>
 
@@ -72,10 +71,7 @@ Decoding decodingOf(const Text &text) {
 class Beam {
 public:
     Beam(const PhraseTrie &phrases, const TokenTable &tokens)
-        : phrases_(phrases),
-          mostBehind_(phrases.isEmpty() ? mostBehind : noLimit),
-          tokens_(tokens),
-          texts_(1) {
+        : phrases_(phrases), tokens_(tokens), texts_(1) {
         texts_.front().isGreedy = phrases.isEmpty();
     }
 
@@ -91,7 +87,8 @@ public:
         std::vector<Text> kept;
         for (const Continuation &next : continuations) {
             const bool isBehind =
-                kept.size() >= width || next.score < continuations.front().score - mostBehind_;
+                kept.size() >= width ||
+                (phrases_.isEmpty() && next.score < continuations.front().score - mostBehind);
             if (isBehind && !next.isGreedy)
                 continue;
             const Text &text = texts_[next.text];
@@ -201,10 +198,7 @@ private:
 
     static std::size_t at(Token token) { return static_cast<std::size_t>(token); }
 
-    static constexpr float noLimit = std::numeric_limits<float>::infinity();
-
     const PhraseTrie &phrases_;
-    const float mostBehind_;
     const TokenTable &tokens_;
     std::vector<Text> texts_;    ///< the best first
     std::vector<Text> ended_;    ///< those that are not cut off, as far as is known
