@@ -279,9 +279,11 @@ class Endurance:
         self._disk.fill()
 
     def _fill_disk_for_good(self):
-        """Not while the library is being saved, whose old file makes room again."""
+        """Not while something is about to make room again: the library's old file, when a new one
+        is saved, and a recording that was removed while it was still being read."""
         file = self._lorvane.folder / "library.json"
         until(lambda: time.time() - file.stat().st_mtime > 1, LIMIT, "a library that is at rest")
+        until(lambda: not self._lorvane.removed_files(), LIMIT, "the end of all reading")
         self._fill_disk()
 
     def _make_room(self):

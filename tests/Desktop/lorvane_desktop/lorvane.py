@@ -1,5 +1,6 @@
 """Lorvane, running in the session, as its user and a screen reader see it."""
 
+import contextlib
 import json
 import os
 import re
@@ -116,6 +117,15 @@ class Lorvane:
         """The folders of recordings that are under way or kept."""
         recovery = self.folder / "Recovery"
         return sorted(recovery.iterdir()) if recovery.exists() else []
+
+    def removed_files(self):
+        """The files of its folder that are removed but that it still has open."""
+        links = []
+        for descriptor in Path(f"/proc/{self.process.pid}/fd").iterdir():
+            with contextlib.suppress(FileNotFoundError):  # closed by now
+                links.append(os.readlink(descriptor))
+        return [link for link in links
+                if link.startswith(f"{self.folder}/") and link.endswith(" (deleted)")]
 
     def megabytes(self, kind="VmRSS"):
         """Resident memory: now, or the most so far ("VmHWM")."""
