@@ -53,9 +53,11 @@ class ChunkedRoute : public Route {
              AudioChunk::plan(static_cast<double>(samples.size()) / SpeechModel::sampleRate)) {
             const auto part = std::span(samples).subspan(place(chunk.start),
                                                          place(chunk.end) - place(chunk.start));
+            SpeechContext context{chunk.coreStart - chunk.start, chunk.end - chunk.coreEnd, {}};
+            for (const TranscribedWord &word : assembly.words())
+                context.written.append({word.text, word.start - chunk.start, word.duration});
             QList<TranscribedWord> words;
-            for (const TimedWord &word : recognize(
-                     part, phrases, {chunk.coreStart - chunk.start, chunk.end - chunk.coreEnd}))
+            for (const TimedWord &word : recognize(part, phrases, context))
                 words.append({word.text, word.start + chunk.start, word.end - word.start});
             assembly.append(words);
         }

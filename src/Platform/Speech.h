@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/TranscriptAssembly.h"
 #include "Platform/Audio.h"
 
 #include <QList>
@@ -32,6 +33,8 @@ struct SpeechResult {
 struct SpeechContext {
     double before = 0;
     double after = 0;
+    /// What has been written down already, with times from the start of the request's audio.
+    QList<TranscribedWord> written;
 };
 
 struct SpeechOptions {

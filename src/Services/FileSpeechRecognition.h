@@ -28,7 +28,7 @@ public:
 
     /// Never throws. A cancelled caller gets the words so far.
     Async<Result> recognize(QString url, std::shared_ptr<SpeechRecognizer> recognizer,
-                            QStringList contextualStrings, SpeechContext context = {});
+                            QStringList contextualStrings, SpeechContext context);
 
     /// Ends the current operation.
     void cancel();

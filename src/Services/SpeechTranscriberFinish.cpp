@@ -36,6 +36,14 @@ QList<TranscribedWord> shifted(QList<TranscribedWord> words, double seconds) {
     return words;
 }
 
+/// The words that start at `time` or later, with times from there.
+QList<TranscribedWord> wordsFrom(double time, const QList<TranscribedWord> &words) {
+    const auto first =
+        std::find_if(words.begin(), words.end(),
+                     [time](const TranscribedWord &word) { return word.start >= time; });
+    return shifted(words.sliced(first - words.begin()), -time);
+}
+
 } // namespace
 
 Async<QString> SpeechTranscriber::stop() {
@@ -174,7 +182,8 @@ SpeechTranscriber::transcribeInChunks(std::shared_ptr<AudioRecording> recording,
 
         const auto recognition = FileSpeechRecognition::make(ports_.clock);
         fileRecognition_ = recognition;
-        const SpeechContext context{chunk.coreStart - chunk.start, chunk.end - chunk.coreEnd};
+        const SpeechContext context{chunk.coreStart - chunk.start, chunk.end - chunk.coreEnd,
+                                    wordsFrom(chunk.start, assembly.words())};
         const FileSpeechRecognition::Result result =
             co_await recognition->recognize(url, recognizer, contextualStrings_, context);
         if (isStale(self, session, cancellation))

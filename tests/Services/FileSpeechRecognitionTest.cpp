@@ -25,7 +25,8 @@ protected:
 
     Async<> call() {
         const QStringList hints{u"kubectl"_s};
-        result = co_await recognition->recognize(u"chunk-0.caf"_s, recognizer, hints);
+        const SpeechContext context;
+        result = co_await recognition->recognize(u"chunk-0.caf"_s, recognizer, hints, context);
         ++resumptions;
     }
 

@@ -182,10 +182,14 @@ TEST_F(SpeechTranscriberFinishTest, LongRecordingIsRecognisedInChunksAndStitched
     const auto context = [this] { return ports.speech.fileRequests().back()->options.context; };
     EXPECT_EQ(context().before, 0) << "the recording begins here";
     EXPECT_EQ(context().after, 1);
+    EXPECT_TRUE(context().written.isEmpty());
     answerChunk(u"and then we left"_s, 27.9, 0.5);
     EXPECT_EQ(transcriber.processingMessage(), u"Transcribing part 2 of 3…"_s);
     EXPECT_EQ(context().before, 1);
     EXPECT_EQ(context().after, 1);
+    ASSERT_EQ(context().written.size(), 1) << "“left” alone is in both pieces";
+    EXPECT_EQ(context().written.front().text, u"left"_s);
+    EXPECT_NEAR(context().written.front().start, 0.4, 1e-9);
     EXPECT_EQ(transcriber.transcript(), u"and then we left"_s);
     EXPECT_FALSE(QFileInfo::exists(recordingFolder() + u"/chunk-0.caf"_s));
     // The chunk begins at 29 s: "left" stands at 29.5 s in both.
