@@ -21,12 +21,16 @@ constexpr int restingShare = 4;
 /// What stands before a pause of so many seconds is settled when the voice goes on: next to a whole
 /// sentence the model may overlook the first words of another one.
 constexpr double settlingPause = 1;
+/// The same where an update takes longer than the time between two: what is open to change is then
+/// too long for this machine, and new words would come late.
+constexpr double settlingPauseIfLate = 0.4;
 /// So much of a pause has to be heard with the words before it, for them to be whole.
 constexpr double pauseHeard = 0.3;
 
 /// When more than this many seconds are open to change, what stands before a pause is settled, so
 /// that an update stays cheap and the text calm. This much stays open around the pause.
 constexpr double longestOpenStretch = 12;
+constexpr double longestOpenStretchIfLate = 8;
 constexpr double contextKept = 3;
 
 /// Searching for the user's phrases at each update would make the updates late; the final text,
@@ -73,6 +77,7 @@ void LiveRecognition::work(std::stop_source &stop) {
     if (cancellation_.stop_requested())
         return;
     const auto end = worker_.now();
+    isLate_ = end - start > updateInterval;
     schedule(std::max(start + updateInterval, end + (end - start) / restingShare));
 }
 
@@ -113,7 +118,8 @@ void LiveRecognition::settleBeforePause() {
     const std::vector<VoiceSpan> spans = voiceSpans(activity_->probabilities());
     for (std::size_t i = spans.size(); i-- > 1;) {
         const VoiceSpan pause{spans[i - 1].end, spans[i].start};
-        if (pause.end - pause.start < settlingPause || pause.start + pauseHeard > transcribedEnd_)
+        if (pause.end - pause.start < (isLate_ ? settlingPauseIfLate : settlingPause) ||
+            pause.start + pauseHeard > transcribedEnd_)
             continue;
         if (pause.start >= settledEnd_)
             settle((pause.start + pause.end) / 2);
@@ -123,7 +129,7 @@ void LiveRecognition::settleBeforePause() {
 
 void LiveRecognition::settleLongStretch(VoiceSpan stretch) {
     const double start = std::max(stretch.start, settledEnd_);
-    if (stretch.end - start < longestOpenStretch)
+    if (stretch.end - start < (isLate_ ? longestOpenStretchIfLate : longestOpenStretch))
         return;
     const std::vector<VoiceSpan> spans = voiceSpans(activity_->probabilities());
     double widest = 0;

@@ -44,6 +44,7 @@ private:
     std::optional<VoiceActivity> activity_;
     std::vector<float> samples_; ///< at 16 kHz
     float gain_ = 1;
+    bool isLate_ = false;       ///< the last update took longer than the time between two
     double transcribedEnd_ = 0; ///< up to where, in seconds
     QList<TimedWord> words_;
     double settledEnd_ = 0; ///< what was said before it isn't transcribed again
