@@ -141,8 +141,14 @@ TEST_F(LiveSpeechTest, GivesTheNextRequestItsOwnText) {
 class LiveRecognitionTest : public testing::Test {
 protected:
     LiveRecognitionTest() {
+        const auto hear = [this, handler = listener_.handler()](const auto &result,
+                                                                const auto &error) {
+            if (isSlow_)
+                engine_.advance(std::chrono::seconds(1));
+            handler(result, error);
+        };
         std::make_shared<LiveRecognition>(request_, engine_.engine, engine_.worker,
-                                          cancellation_.get_token(), listener_.handler())
+                                          cancellation_.get_token(), hear)
             ->start();
     }
     void TearDown() override {
@@ -157,7 +163,24 @@ protected:
         return listener_.heard().text();
     }
 
+    /// Whether the first sentence stays as it was when another one begins soon after it.
+    bool isSettledByAShortPause() {
+        textAfter(sentence_);
+        textAfter(std::span(silence_).first(silence_.size() / 2));
+        const QList<SpeechSegment> before = listener_.heard().results.back().segments;
+        const std::vector<float> next = decodedAudio(promptPath(u"auth-incorrect"_qs), captureRate);
+        textAfter(std::span(next).first(captureRate * 5 / 4));
+        const QList<SpeechSegment> after = listener_.heard().results.back().segments;
+        EXPECT_GT(after.size(), before.size());
+        return std::equal(before.begin(), before.end(), after.begin(),
+                          [](const SpeechSegment &word, const SpeechSegment &same) {
+                              return word.substring == same.substring &&
+                                     word.timestamp == same.timestamp;
+                          });
+    }
+
     RealEngine engine_{liveModel};
+    std::atomic<bool> isSlow_ = false; ///< an update takes a second
     SpeechListener listener_;
     std::stop_source cancellation_;
     const std::shared_ptr<LiveRequest> request_ =
@@ -173,6 +196,15 @@ TEST_F(LiveRecognitionTest, ShowsTheFirstWordsAfterAPauseAndLeavesWhatWasSaidBef
     const std::vector<float> next = decodedAudio(promptPath(u"auth-incorrect"_qs), captureRate);
     const QString after = textAfter(std::span(next).first(captureRate * 5 / 4));
     EXPECT_TRUE(after.startsWith(before + u" Password"_qs)) << qPrintable(after);
+}
+
+TEST_F(LiveRecognitionTest, MayStillChangeWhatWasSaidBeforeAShortPause) {
+    EXPECT_FALSE(isSettledByAShortPause());
+}
+
+TEST_F(LiveRecognitionTest, LeavesItWhereUpdatesComeLate) {
+    isSlow_ = true;
+    EXPECT_TRUE(isSettledByAShortPause());
 }
 
 TEST_F(LiveRecognitionTest, HearsTheEndOfASentenceThatIsOverBeforeItListensAgain) {
