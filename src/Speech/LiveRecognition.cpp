@@ -2,6 +2,7 @@
 
 #include "Speech/Abandoned.h"
 #include "Speech/Level.h"
+#include "Speech/StretchLimits.h"
 #include "Speech/Stretches.h"
 
 #include <algorithm>
@@ -122,7 +123,7 @@ void LiveRecognition::settleBeforePause() {
             pause.start + pauseHeard > transcribedEnd_)
             continue;
         if (pause.start >= settledEnd_)
-            settle((pause.start + pause.end) / 2);
+            settle(std::max((pause.start + pause.end) / 2, pause.end - marginBefore));
         return;
     }
 }
