@@ -181,7 +181,8 @@ TYPED_TEST(AudioInputTest, WithoutAMicrophoneThereIsNoFormatAndAStartSaysWhy) {
     EXPECT_FALSE(this->driver.await(this->input.format()).isUsable());
     Ear ear;
     EXPECT_EQ(errorOf([&] { this->driver.await(this->input.start(mono, ear.tap(), nobody())); }),
-              QStringLiteral("There is no microphone."));
+              QStringLiteral("No microphone input is available. "
+                             "Check your audio input in System Settings."));
 }
 
 } // namespace

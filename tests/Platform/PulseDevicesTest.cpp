@@ -146,7 +146,8 @@ TEST_F(PulseAudioInputTest, AMicrophoneThatComesBackIsHeardByTheNextStart) {
     loseMicrophone();
     ASSERT_TRUE(waitUntil([&] { return !reason.isEmpty() && !await(input.format()).isUsable(); }));
     EXPECT_EQ(errorOf([&] { await(input.start(mono, ear.tap(), nobody())); }),
-              QStringLiteral("There is no microphone."));
+              QStringLiteral("No microphone input is available. "
+                             "Check your audio input in System Settings."));
 
     sound.control(QStringLiteral("load-module module-remap-source source_name=mic "
                                  "master=virtmic.monitor"));

@@ -160,7 +160,8 @@ struct Fake : Application {
     void loseMicrophone() { input.end(QStringLiteral("gone")); }
     void haveNoMicrophone() {
         input.nativeFormat = {};
-        input.startError = QStringLiteral("There is no microphone.");
+        input.startError = QStringLiteral("No microphone input is available. "
+                                          "Check your audio input in System Settings.");
     }
 };
 

@@ -18,9 +18,15 @@ constexpr qsizetype bufferFrames = 2048;
 /// How often the server is to deliver. Short, so that little is on its way when a recording stops.
 constexpr auto deliveryInterval = 20ms;
 
+/// The words of a dictation that finds no format: a microphone may go just after it was found.
+QString noMicrophone() {
+    return QStringLiteral("No microphone input is available. "
+                          "Check your audio input in System Settings.");
+}
+
 QString reasonOf(int error) {
     switch (error) {
-    case PA_ERR_NOENTITY: return QStringLiteral("There is no microphone.");
+    case PA_ERR_NOENTITY: return noMicrophone();
     case PA_ERR_KILLED: return QStringLiteral("The microphone was disconnected.");
     case PA_ERR_CONNECTIONTERMINATED: return QStringLiteral("The sound server has ended.");
     default:
@@ -145,7 +151,7 @@ Async<> PulseAudioInput::open(std::shared_ptr<Recording> recording) {
 /// The lock is held.
 void PulseAudioInput::connectStream(const std::shared_ptr<Recording> &recording) {
     if (!connection_.defaultSource())
-        throw LocalizedError(QStringLiteral("There is no microphone."));
+        throw LocalizedError(noMicrophone());
     const PulseConnection::Source &source = *connection_.defaultSource();
     const AudioFormat &format = recording->format;
     const pa_sample_spec spec{PA_SAMPLE_FLOAT32NE, uint32_t(std::lround(format.sampleRate)),
