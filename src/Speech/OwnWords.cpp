@@ -10,10 +10,10 @@ namespace lorvane {
 
 namespace {
 
-/// So far apart, in seconds, may two recognitions put the same word.
-constexpr double farthestApart = 0.3;
+/// Two recognitions put the same word at most so many seconds apart.
+constexpr double timeTolerance = 0.3;
 /// So far beyond the border a word is kept: one that a piece puts behind this is kept by the other.
-constexpr double sharedMargin = farthestApart / 2;
+constexpr double sharedMargin = timeTolerance / 2;
 
 QString key(const QString &text) { return Text::trimmedOfPunctuation(Text::folded(text)); }
 
@@ -21,7 +21,7 @@ QString key(const QString &text) { return Text::trimmedOfPunctuation(Text::folde
 qsizetype writtenCount(const QList<TimedWord> &words, const QList<TranscribedWord> &written) {
     const std::vector<int> same =
         sameWords(written.size(), words.size(), [&](qsizetype old, qsizetype word) {
-            return std::abs(written[old].start - words[word].start) <= farthestApart &&
+            return std::abs(written[old].start - words[word].start) <= timeTolerance &&
                    key(written[old].text) == key(words[word].text);
         });
     return same.empty() ? 0 : *std::max_element(same.begin(), same.end()) + 1;
