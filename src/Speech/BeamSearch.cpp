@@ -236,7 +236,7 @@ std::optional<Decoding> searchBeam(DecoderSteps &decoder, std::size_t mostTokens
                                    const PhraseTrie &phrases, const TokenTable &tokens,
                                    const std::stop_token &stop) {
     Beam beam(phrases, tokens);
-    beam.grow(decoder.begin(stop));
+    beam.grow(decoder.begin({}, stop));
     for (std::size_t count = 1; count < mostTokens && !beam.isDone(); ++count) {
         std::vector<Token> last;
         std::vector<std::size_t> rows;

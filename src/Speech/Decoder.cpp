@@ -61,11 +61,14 @@ Decoder::Decoder(DecoderModel &model, Ort::Value hidden) : model_(model) {
     inputs_.push_back(tensorOf(useCache_.data(), {1}));
 }
 
-DecoderStep Decoder::begin(const std::stop_token &stop) {
-    if (first_.empty()) {
-        tokens_ = {TokenTable::begin};
-        inputs_[0] = tensorOf(tokens_.data(), {1, 1});
+DecoderStep Decoder::begin(std::span<const Token> draft, const std::stop_token &stop) {
+    std::vector<int64_t> tokens{TokenTable::begin};
+    tokens.insert(tokens.end(), draft.begin(), draft.end());
+    if (first_.empty() || tokens != draft_) {
+        inputs_[0] = tensorOf(tokens.data(), {1, static_cast<int64_t>(tokens.size())});
+        useCache_[0] = false;
         first_ = run(model_.session_, model_.inputNames_, inputs_, model_.firstOutputNames_, stop);
+        draft_ = std::move(tokens);
         useCache_[0] = true;
         // The keys and values of the audio never change.
         for (std::size_t layer = 0; layer < model_.layerCount_; ++layer) {
@@ -81,13 +84,17 @@ DecoderStep Decoder::begin(const std::stop_token &stop) {
             inputs_[place] = viewOf(first_[place]);
         }
     }
-    textCount_ = 1;
+    textCount_ = draft_.size();
+    isDraft_ = textCount_ > 1;
     return step(first_);
 }
 
 DecoderStep Decoder::feed(std::span<const Token> tokens, std::span<const std::size_t> parents,
                           const std::stop_token &stop) {
-    keepParents(parents);
+    if (isDraft_)
+        keepStartOfDraft(parents.front() + 1);
+    else
+        keepParents(parents);
     tokens_.assign(tokens.begin(), tokens.end());
     inputs_[0] = tensorOf(tokens_.data(), {static_cast<int64_t>(tokens_.size()), 1});
     latest_ = run(model_.session_, model_.inputNames_, inputs_, model_.laterOutputNames_, stop);
@@ -97,6 +104,7 @@ DecoderStep Decoder::feed(std::span<const Token> tokens, std::span<const std::si
                 std::move(latest_[before + layer * ownPerLayer + i]);
     }
     textCount_ = tokens.size();
+    isDraft_ = false;
     return step(latest_);
 }
 
@@ -107,19 +115,39 @@ void Decoder::keepParents(std::span<const std::size_t> parents) {
         isSame = parents[i] == i;
     if (isSame)
         return;
+    replaceKeysAndValues([&](const float *old, std::vector<int64_t> &shape) {
+        const auto size = static_cast<std::size_t>(shape[1] * shape[2] * shape[3]);
+        std::vector<float> chosen(parents.size() * size);
+        for (std::size_t text = 0; text < parents.size(); ++text)
+            std::copy_n(old + parents[text] * size, size, &chosen[text * size]);
+        shape[0] = static_cast<int64_t>(parents.size());
+        return chosen;
+    });
+}
+
+/// Gives the next token the keys and values of so many tokens, the one before the draft included.
+void Decoder::keepStartOfDraft(std::size_t tokenCount) {
+    replaceKeysAndValues([tokenCount](const float *old, std::vector<int64_t> &shape) {
+        const auto headCount = static_cast<std::size_t>(shape[1]);
+        const auto size = static_cast<std::size_t>(shape[2] * shape[3]); // of a head
+        const std::size_t kept = tokenCount * static_cast<std::size_t>(shape[3]);
+        std::vector<float> start(headCount * kept);
+        for (std::size_t head = 0; head < headCount; ++head)
+            std::copy_n(old + head * size, kept, &start[head * kept]);
+        shape[2] = static_cast<int64_t>(tokenCount);
+        return start;
+    });
+}
+
+void Decoder::replaceKeysAndValues(const Replacement &replacement) {
     kept_.resize(model_.layerCount_ * ownPerLayer);
     for (std::size_t layer = 0; layer < model_.layerCount_; ++layer) {
         for (std::size_t i = 0; i < ownPerLayer; ++i) {
             Ort::Value &input = inputs_[before + layer * perLayer + i];
             std::vector<int64_t> shape = input.GetTensorTypeAndShapeInfo().GetShape();
-            const auto size = static_cast<std::size_t>(shape[1] * shape[2] * shape[3]);
-            const float *old = input.GetTensorData<float>();
-            std::vector<float> chosen(parents.size() * size);
-            for (std::size_t text = 0; text < parents.size(); ++text)
-                std::copy_n(old + parents[text] * size, size, &chosen[text * size]);
-            shape[0] = static_cast<int64_t>(parents.size());
+            std::vector<float> numbers = replacement(input.GetTensorData<float>(), shape);
             std::vector<float> &kept = kept_[layer * ownPerLayer + i];
-            kept = std::move(chosen);
+            kept = std::move(numbers);
             input = tensorOf(kept.data(), shape);
         }
     }
@@ -132,8 +160,11 @@ DecoderStep Decoder::step(const std::vector<Ort::Value> &outputs) const {
     step.tokenCount = static_cast<std::size_t>(scores.back());
     step.scores = outputs[0].GetTensorData<float>();
     step.frameCount = static_cast<std::size_t>(attention.back());
-    step.attention = outputs[1].GetTensorData<float>() + model_.alignmentHead_ * step.frameCount;
-    step.attentionStride = static_cast<std::size_t>(attention[1]) * step.frameCount;
+    // It is [texts, heads, 1, frames], but of a draft [1, heads, tokens, frames].
+    const std::size_t headSize = static_cast<std::size_t>(attention[2]) * step.frameCount;
+    step.attention = outputs[1].GetTensorData<float>() + model_.alignmentHead_ * headSize;
+    step.attentionStride =
+        isDraft_ ? step.frameCount : static_cast<std::size_t>(attention[1]) * step.frameCount;
     return step;
 }
 

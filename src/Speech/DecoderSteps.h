@@ -7,8 +7,8 @@
 
 namespace lorvane {
 
-/// What a decoder says after a token of each of some texts that grow side by side. Looks at the
-/// decoder's own memory: valid until its next step.
+/// What a decoder says of the next token of each of some texts. Looks at the decoder's own memory:
+/// valid until its next step.
 struct DecoderStep {
     const float *scores = nullptr; ///< of every possible next token, text by text
     std::size_t tokenCount = 0;
@@ -32,9 +32,10 @@ public:
     DecoderSteps &operator=(const DecoderSteps &) = delete;
     virtual ~DecoderSteps() = default;
 
-    /// Begins anew with one empty text: what may be its first token. Throws LocalizedError, and
-    /// Abandoned once `stop` is asked for.
-    virtual DecoderStep begin(const std::stop_token &stop) = 0;
+    /// Begins anew with the texts that `draft` begins with, from the empty one to all of it: text i
+    /// is its first i tokens. They cost little more than one of them; a single one of them can be
+    /// gone on with. Throws LocalizedError, and Abandoned once `stop` is asked for.
+    virtual DecoderStep begin(std::span<const Token> draft, const std::stop_token &stop) = 0;
 
     /// Goes on with as many texts as there are `tokens`: text i is text `parents[i]` of the step
     /// before and then `tokens[i]`. Throws the same.

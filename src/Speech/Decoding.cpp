@@ -34,13 +34,14 @@ float logNormalizer(std::span<const float> scores) {
     return highest + std::log(sum);
 }
 
-Decoding decodeGreedily(Hearing &hearing, bool withLogProbabilities, const std::stop_token &stop) {
+Decoding decodeGreedily(Hearing &hearing, bool withLogProbabilities, const std::stop_token &stop,
+                        std::span<const Token> draft) {
     Decoding decoding;
     decoding.firstFrameTime = hearing.firstFrameTime;
-    const std::vector<std::size_t> parents{0};
-    DecoderStep step = hearing.decoder->begin(stop);
+    DecoderStep step = hearing.decoder->begin(draft, stop);
+    std::size_t text = 0; // of the step
     while (true) {
-        const std::span<const float> scores = step.scoresOf(0);
+        const std::span<const float> scores = step.scoresOf(text);
         auto best = std::max_element(scores.begin(), scores.end());
         if (best - scores.begin() == TokenTable::end && decoding.tokens.empty()) {
             // There is a voice, so there are words: take the next best.
@@ -52,7 +53,7 @@ Decoding decodeGreedily(Hearing &hearing, bool withLogProbabilities, const std::
         decoding.tokens.push_back(token);
         if (withLogProbabilities)
             decoding.logProbabilities.push_back(*best - logNormalizer(scores));
-        const std::span<const float> attention = step.attentionOf(0);
+        const std::span<const float> attention = step.attentionOf(text);
         decoding.frameCount = attention.size();
         decoding.attention.insert(decoding.attention.end(), attention.begin(), attention.end());
         if (const std::size_t loop = loopLength(decoding.tokens)) {
@@ -67,7 +68,13 @@ Decoding decodeGreedily(Hearing &hearing, bool withLogProbabilities, const std::
             decoding.isBroken = true;
             break;
         }
-        step = hearing.decoder->feed({&token, 1}, parents, stop);
+        if (text < draft.size() && draft[text] == token) {
+            ++text;
+            continue;
+        }
+        step = hearing.decoder->feed({&token, 1}, {&text, 1}, stop);
+        text = 0;
+        draft = {};
     }
     return decoding;
 }

@@ -19,8 +19,10 @@ struct Decoding {
 };
 
 /// Writes down what was heard with the most probable token at every step: at least one, since there
-/// is a voice. Throws LocalizedError, and Abandoned once `stop` is asked for.
-Decoding decodeGreedily(Hearing &hearing, bool withLogProbabilities, const std::stop_token &stop);
+/// is a voice. Where `draft` reads the same it costs next to nothing. Throws LocalizedError, and
+/// Abandoned once `stop` is asked for.
+Decoding decodeGreedily(Hearing &hearing, bool withLogProbabilities, const std::stop_token &stop,
+                        std::span<const Token> draft = {});
 
 /// The number of tokens at the end that only repeat what stands before them, 0 if the text is not
 /// a loop.

@@ -71,12 +71,33 @@ QList<TimedWord> SpeechEngine::recognize(std::span<const float> samples, const Q
 QList<TimedWord> SpeechEngine::recognizeStretch(std::span<const float> samples, VoiceSpan stretch,
                                                 const QString &size, const SpeechOptions &options,
                                                 const std::stop_token &stop, Search search) {
+    const auto decode = [&](Hearing &hearing) {
+        return !options.contextualStrings.isEmpty()
+                   ? decodeWithPhrases(hearing, options.contextualStrings, *tokens_, stop)
+               : search == Search::beam ? decodeWithBeam(hearing, *tokens_, stop)
+                                        : decodeGreedily(hearing, false, stop);
+    };
+    return hear(samples, stretch, size, decode, stop);
+}
+
+QList<TimedWord> SpeechEngine::recognizeGrowing(std::span<const float> samples, VoiceSpan stretch,
+                                                const QString &size, const QString &draft,
+                                                const std::stop_token &stop) {
+    const auto decode = [&](Hearing &hearing) {
+        return decodeGreedily(hearing, false, stop, tokens_->encode(draft));
+    };
+    return hear(samples, stretch, size, decode, stop);
+}
+
+QList<TimedWord> SpeechEngine::hear(std::span<const float> samples, VoiceSpan stretch,
+                                    const QString &size, const Decode &decode,
+                                    const std::stop_token &stop) {
     return hearWithoutLoss(samples, stretch, [&](VoiceSpan part) {
         // A part may be all silence, which the model would make words of.
         const bool isPart = part.start > stretch.start || part.end < stretch.end;
         return isPart && !hasVoice(partOf(samples, part), stop)
                    ? Attempt()
-                   : attempt(samples, part, size, options, stop, search);
+                   : attempt(samples, part, model(size), decode, stop);
     });
 }
 
@@ -98,16 +119,11 @@ bool SpeechEngine::hasVoice(std::span<const float> samples, const std::stop_toke
     return !voiceSpans(activity.probabilities()).empty();
 }
 
-Attempt SpeechEngine::attempt(std::span<const float> samples, VoiceSpan stretch,
-                              const QString &size, const SpeechOptions &options,
-                              const std::stop_token &stop, Search search) {
+Attempt SpeechEngine::attempt(std::span<const float> samples, VoiceSpan stretch, SpeechModel &model,
+                              const Decode &decode, const std::stop_token &stop) {
     const std::span<const float> voice = partOf(samples, stretch);
-    Hearing hearing = model(size).hear(voice, stop);
-    const Decoding decoding =
-        !options.contextualStrings.isEmpty()
-            ? decodeWithPhrases(hearing, options.contextualStrings, *tokens_, stop)
-        : search == Search::beam ? decodeWithBeam(hearing, *tokens_, stop)
-                                 : decodeGreedily(hearing, false, stop);
+    Hearing hearing = model.hear(voice, stop);
+    const Decoding decoding = decode(hearing);
     Attempt attempt{
         timedWords(decoding, *tokens_, static_cast<double>(voice.size()) / SpeechModel::sampleRate),
         decoding.isBroken};

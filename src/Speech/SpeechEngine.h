@@ -1,8 +1,9 @@
 #pragma once
 
+#include "Speech/Decoding.h"
 #include "Speech/Rehearing.h"
-#include "Speech/SpeechModel.h"
 
+#include <functional>
 #include <map>
 #include <memory>
 
@@ -40,6 +41,12 @@ public:
                                       const QString &size, const SpeechOptions &options,
                                       const std::stop_token &stop, Search search = Search::beam);
 
+    /// The same for a stretch whose end still grows, looked for a token at a time. `draft` is what
+    /// it read before: as far as it does so again it costs next to nothing.
+    QList<TimedWord> recognizeGrowing(std::span<const float> samples, VoiceSpan stretch,
+                                      const QString &size, const QString &draft,
+                                      const std::stop_token &stop);
+
     /// The `words` of all of `samples`, heard with their probabilities, or surer ones: where it
     /// isn't sure of them or may have passed over some, it hears `samples` once more, divided at
     /// the pauses between the spans of `voice`, which costs no more than the first time. Throws the
@@ -49,10 +56,14 @@ public:
                                     const SpeechOptions &options, const std::stop_token &stop);
 
 private:
+    using Decode = std::function<Decoding(Hearing &)>;
+
     SpeechModel &model(const QString &size);
     bool hasVoice(std::span<const float> samples, const std::stop_token &stop);
-    Attempt attempt(std::span<const float> samples, VoiceSpan stretch, const QString &size,
-                    const SpeechOptions &options, const std::stop_token &stop, Search search);
+    QList<TimedWord> hear(std::span<const float> samples, VoiceSpan stretch, const QString &size,
+                          const Decode &decode, const std::stop_token &stop);
+    Attempt attempt(std::span<const float> samples, VoiceSpan stretch, SpeechModel &model,
+                    const Decode &decode, const std::stop_token &stop);
 
     OnnxRuntime &runtime_;
     ModelFolder folder_;

@@ -39,6 +39,35 @@ TEST(Decoding, IsBrokenWhereTheModelComesToNoEnd) {
     EXPECT_TRUE(decoding.isBroken);
 }
 
+TEST(DecodingWithDraft, TakesStepsOnlyFromWhereTheDraftDiffers) {
+    const QString sentence = u"one two three four"_qs;
+    const Decoding without = greedily({{sentence, 0.9}, {u"one tree"_qs, 0.1}});
+    const std::map<QString, int> stepsWith{
+        {sentence, 0},          {sentence + u" five"_qs, 0},   {u"one two"_qs, 2},
+        {u"one two six"_qs, 2}, {u"one six three four"_qs, 3}, {u"six two three four"_qs, 4}};
+    for (const auto &[draft, steps] : stepsWith) {
+        auto sentences = std::make_unique<KnownSentences>(
+            std::map<QString, double>{{sentence, 0.9}, {u"one tree"_qs, 0.1}});
+        const KnownSentences &decoder = *sentences;
+        Hearing heard{std::move(sentences), 50, 0};
+        const Decoding with = decodeGreedily(heard, true, {}, table().encode(draft));
+        EXPECT_EQ(decoder.steps, steps) << qPrintable(draft);
+        EXPECT_EQ(with.tokens, without.tokens) << qPrintable(draft);
+        EXPECT_EQ(with.logProbabilities, without.logProbabilities) << qPrintable(draft);
+        EXPECT_EQ(with.attention, without.attention) << qPrintable(draft);
+    }
+}
+
+TEST(DecodingWithDraft, IsAsBrokenAsWithoutIt) {
+    const QString loop = u"so he said"_qs + u" you know"_qs.repeated(20);
+    Hearing heard = hearing({{loop, 1}}, 200);
+    const Decoding decoding = decodeGreedily(heard, false, {}, table().encode(loop));
+    EXPECT_EQ(textOf(decoding), u"so he said you know"_qs);
+    EXPECT_TRUE(decoding.isBroken);
+    Hearing cut = hearing({{u"one two three four"_qs, 1}}, 3);
+    EXPECT_TRUE(decodeGreedily(cut, false, {}, table().encode(u"one two three four"_qs)).isBroken);
+}
+
 Decoding withBeam(const std::map<QString, double> &sentences, std::size_t mostTokens = 50) {
     Hearing heard = hearing(sentences, mostTokens);
     return decodeWithBeam(heard, table(), {});

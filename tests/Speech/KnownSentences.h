@@ -28,8 +28,10 @@ public:
         }
     }
 
-    DecoderStep begin(const std::stop_token &) override {
+    DecoderStep begin(std::span<const Token> draft, const std::stop_token &) override {
         texts_ = {{}};
+        for (auto end = draft.begin(); end != draft.end(); ++end)
+            texts_.emplace_back(draft.begin(), end + 1);
         return step();
     }
 
@@ -41,11 +43,13 @@ public:
             texts.back().push_back(tokens[i]);
         }
         texts_ = std::move(texts);
+        ++steps;
         widest = std::max(widest, texts_.size());
         return step();
     }
 
     std::size_t widest = 0; ///< the most texts side by side so far
+    int steps = 0;          ///< after the first one
 
 private:
     struct Sentence {
