@@ -14,7 +14,6 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <algorithm>
@@ -80,7 +79,7 @@ void append(SpeechBufferRequest &request, Samples samples) {
 }
 
 /// Plays at the pace of the clock on the wall.
-std::vector<Request> playPaced(Samples samples, const SpeechOptions &options) {
+std::vector<Request> playPaced(Samples samples) {
     SndfileAudioFile audioFile;
     OnDeviceSpeech speech(audioFile, OnDeviceSpeech::installedModelsFolder());
     const auto recognizer = speech.makeRecognizer(u"en-US"_qs);
@@ -98,7 +97,7 @@ std::vector<Request> playPaced(Samples samples, const SpeechOptions &options) {
                                                   std::chrono::duration<double>(time)));
         if (time >= rotateAt) {
             rotateAt += rotation;
-            request = recognizer->makeBufferRequest({sampleRate, 1}, options);
+            request = recognizer->makeBufferRequest({sampleRate, 1}, SpeechOptions());
             task = recognizer->recognize(request, listener.next());
         }
         append(*request, samples.subspan(i, bufferSize));
@@ -122,7 +121,7 @@ public:
         passTo(0);
     }
 
-    std::vector<Request> play(Samples samples, const SpeechOptions &options) {
+    std::vector<Request> play(Samples samples) {
         Listener listener([this] { return time(); });
         std::shared_ptr<LiveRequest> request;
         std::stop_source cancellation;
@@ -134,7 +133,7 @@ public:
                 rotateAt += rotation;
                 cancellation.request_stop();
                 cancellation = std::stop_source();
-                request = std::make_shared<LiveRequest>(AudioFormat{sampleRate, 1}, options);
+                request = std::make_shared<LiveRequest>(AudioFormat{sampleRate, 1});
                 std::make_shared<LiveRecognition>(request, engine_, worker_,
                                                   cancellation.get_token(), listener.next())
                     ->start();
@@ -286,19 +285,11 @@ std::vector<VoiceSpan> voiceIn(const QString &path) {
     return voiceSpans(activity.probabilities());
 }
 
-QStringList linesOf(const QString &path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw std::runtime_error("the phrases can't be read");
-    return QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
-}
-
 int runBenchmark(QCoreApplication &application) {
     QCommandLineParser parser;
     parser.addHelpOption();
     parser.addPositionalArgument(u"folders"_qs, u"recordings with a clips.tsv"_qs);
     parser.addOption({u"minutes"_qs, u"how long to play"_qs, u"count"_qs, u"4"_qs});
-    parser.addOption({u"phrases"_qs, u"listens for the lines of <file>"_qs, u"file"_qs});
     parser.addOption({u"paced"_qs, u"play at the pace of speech"_qs});
     parser.addOption({u"verbose"_qs, u"print each text"_qs});
     parser.process(application);
@@ -314,13 +305,9 @@ int runBenchmark(QCoreApplication &application) {
         writeRecording(audioFile, path, clips, 60 * parser.value(u"minutes"_qs).toDouble(), random);
     const std::vector<float> samples = decodedAudio(path, sampleRate);
 
-    SpeechOptions options;
-    if (parser.isSet(u"phrases"_qs))
-        options.contextualStrings = linesOf(parser.value(u"phrases"_qs));
     const double processorStart = processorSeconds();
-    const std::vector<Request> requests = parser.isSet(u"paced"_qs)
-                                              ? playPaced(samples, options)
-                                              : Simulation().play(samples, options);
+    const std::vector<Request> requests =
+        parser.isSet(u"paced"_qs) ? playPaced(samples) : Simulation().play(samples);
     const double processor = processorSeconds() - processorStart;
     const double seconds = static_cast<double>(samples.size()) / sampleRate;
     if (parser.isSet(u"verbose"_qs)) {

@@ -15,31 +15,20 @@ namespace {
 using namespace std::chrono_literals;
 
 /// From the start of one transcription to that of the next, if it doesn't take longer itself.
-constexpr auto updateInterval = 300ms;
+constexpr auto updateInterval = 250ms;
 /// The share of its time that the worker rests after a transcription, to stay below one core.
 constexpr int restingShare = 4;
 
 /// What stands before a pause of so many seconds is settled when the voice goes on: next to a whole
 /// sentence the model may overlook the first words of another one.
-constexpr double settlingPause = 1;
-/// The same where an update takes longer than the time between two: what is open to change is then
-/// too long for this machine, and new words would come late.
-constexpr double settlingPauseIfLate = 0.4;
+constexpr double settlingPause = 0.4;
 /// So much of a pause has to be heard with the words before it, for them to be whole.
 constexpr double pauseHeard = 0.3;
 
 /// When more than this many seconds are open to change, what stands before a pause is settled, so
 /// that an update stays cheap and the text calm. This much stays open around the pause.
-constexpr double longestOpenStretch = 12;
-constexpr double longestOpenStretchIfLate = 8;
+constexpr double longestOpenStretch = 8;
 constexpr double contextKept = 3;
-
-/// Searching for the user's phrases at each update would make the updates late; the final text,
-/// which nobody watches coming, is searched.
-SpeechOptions withoutPhrases(SpeechOptions options) {
-    options.contextualStrings.clear();
-    return options;
-}
 
 } // namespace
 
@@ -47,7 +36,6 @@ LiveRecognition::LiveRecognition(std::shared_ptr<LiveRequest> request,
                                  std::shared_ptr<KeptEngine> engine, RecognitionWorker &worker,
                                  std::stop_token cancellation, SpeechHandler handler)
     : request_(std::move(request)),
-      options_(withoutPhrases(request_->options())),
       engine_(std::move(engine)),
       worker_(worker),
       cancellation_(std::move(cancellation)),
@@ -78,7 +66,6 @@ void LiveRecognition::work(std::stop_source &stop) {
     if (cancellation_.stop_requested())
         return;
     const auto end = worker_.now();
-    isLate_ = end - start > updateInterval;
     schedule(std::max(start + updateInterval, end + (end - start) / restingShare));
 }
 
@@ -106,8 +93,8 @@ void LiveRecognition::transcribe(const std::stop_token &stop) {
     for (const VoiceSpan &stretch : stretches) {
         const VoiceSpan open{std::max(stretch.start, settledEnd_), stretch.end};
         if (open.end > open.start)
-            words.append(engine_->use().recognizeStretch(voice, open, engine_->size(), options_,
-                                                         stop, Search::greedy));
+            words.append(engine_->use().recognizeGrowing(voice, open, engine_->size(),
+                                                         lastText(open), stop));
     }
     transcribedEnd_ = stretches.back().end;
     words_ = std::move(words);
@@ -115,12 +102,20 @@ void LiveRecognition::transcribe(const std::stop_token &stop) {
     settleLongStretch(stretches.back());
 }
 
+QString LiveRecognition::lastText(VoiceSpan stretch) const {
+    QStringList words;
+    for (const TimedWord &word : words_) {
+        if (word.start >= stretch.start && word.start < stretch.end)
+            words.append(word.text);
+    }
+    return words.join(u' ');
+}
+
 void LiveRecognition::settleBeforePause() {
     const std::vector<VoiceSpan> spans = voiceSpans(activity_->probabilities());
     for (std::size_t i = spans.size(); i-- > 1;) {
         const VoiceSpan pause{spans[i - 1].end, spans[i].start};
-        if (pause.end - pause.start < (isLate_ ? settlingPauseIfLate : settlingPause) ||
-            pause.start + pauseHeard > transcribedEnd_)
+        if (pause.end - pause.start < settlingPause || pause.start + pauseHeard > transcribedEnd_)
             continue;
         if (pause.start >= settledEnd_)
             settle(std::max((pause.start + pause.end) / 2, pause.end - marginBefore));
@@ -130,7 +125,7 @@ void LiveRecognition::settleBeforePause() {
 
 void LiveRecognition::settleLongStretch(VoiceSpan stretch) {
     const double start = std::max(stretch.start, settledEnd_);
-    if (stretch.end - start < (isLate_ ? longestOpenStretchIfLate : longestOpenStretch))
+    if (stretch.end - start < longestOpenStretch)
         return;
     const std::vector<VoiceSpan> spans = voiceSpans(activity_->probabilities());
     double widest = 0;

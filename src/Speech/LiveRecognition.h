@@ -24,7 +24,9 @@ private:
     void listen(const std::stop_token &stop);
     /// Transcribes the voice if there is more of it than last time.
     void transcribe(const std::stop_token &stop);
-    /// Takes the words before the last long pause as they are.
+    /// How a stretch of the voice read the last time.
+    QString lastText(VoiceSpan stretch) const;
+    /// Takes the words before the last pause that is long enough as they are.
     void settleBeforePause();
     /// Takes the words before a shorter one as they are, once the last stretch has become long.
     void settleLongStretch(VoiceSpan stretch);
@@ -32,7 +34,6 @@ private:
     void settle(double time);
 
     const std::shared_ptr<LiveRequest> request_;
-    const SpeechOptions options_;
     const std::shared_ptr<KeptEngine> engine_;
     RecognitionWorker &worker_;
     const std::stop_token cancellation_;
@@ -44,7 +45,6 @@ private:
     std::optional<VoiceActivity> activity_;
     std::vector<float> samples_; ///< at 16 kHz
     float gain_ = 1;
-    bool isLate_ = false;       ///< the last update took longer than the time between two
     double transcribedEnd_ = 0; ///< up to where, in seconds
     QList<TimedWord> words_;
     double settledEnd_ = 0; ///< what was said before it isn't transcribed again

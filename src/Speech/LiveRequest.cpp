@@ -6,9 +6,8 @@
 
 namespace lorvane {
 
-LiveRequest::LiveRequest(const AudioFormat &format, SpeechOptions options)
-    : options_(std::move(options)),
-      sampleRate_(format.sampleRate),
+LiveRequest::LiveRequest(const AudioFormat &format)
+    : sampleRate_(format.sampleRate),
       samples_(static_cast<std::size_t>(std::max(0.0, format.sampleRate * longest))) {}
 
 void LiveRequest::append(const AudioBuffer &buffer) {

@@ -15,19 +15,17 @@ public:
     /// A little less than what the model can take; a request is over when it is full.
     static constexpr double longest = 34;
 
-    LiveRequest(const AudioFormat &format, SpeechOptions options);
+    explicit LiveRequest(const AudioFormat &format);
 
     /// What finds no room any more is dropped.
     void append(const AudioBuffer &buffer) override;
 
-    const SpeechOptions &options() const { return options_; }
     double sampleRate() const { return sampleRate_; }
     bool isFull() const { return size_.load(std::memory_order_acquire) == samples_.size(); }
     /// What has been appended after the first `position` samples.
     std::span<const float> from(std::size_t position) const;
 
 private:
-    SpeechOptions options_;
     double sampleRate_;
     std::vector<float> samples_;
     std::atomic<std::size_t> size_ = 0; ///< of the samples that the reader may look at

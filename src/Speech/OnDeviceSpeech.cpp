@@ -52,9 +52,11 @@ public:
     bool isAvailable() const override { return true; }
     bool supportsOnDeviceRecognition() const override { return true; }
 
-    std::shared_ptr<SpeechBufferRequest> makeBufferRequest(const AudioFormat &format,
-                                                           const SpeechOptions &options) override {
-        return std::make_shared<LiveRequest>(format, options);
+    // Searching for the user's phrases would make the live text late; the final one, which nobody
+    // watches coming, is searched.
+    std::shared_ptr<SpeechBufferRequest>
+    makeBufferRequest(const AudioFormat &format, const SpeechOptions & /*options*/) override {
+        return std::make_shared<LiveRequest>(format);
     }
 
     std::unique_ptr<SpeechTask> recognize(std::shared_ptr<SpeechBufferRequest> request,

@@ -54,9 +54,9 @@ private:
         QString localeIdentifier() const override { return u"en-AU"_s; }
         bool isAvailable() const override { return true; }
         bool supportsOnDeviceRecognition() const override { return true; }
-        std::shared_ptr<SpeechBufferRequest>
-        makeBufferRequest(const AudioFormat &format, const SpeechOptions &options) override {
-            speech_.requests.push_back(std::make_shared<LiveRequest>(format, options));
+        std::shared_ptr<SpeechBufferRequest> makeBufferRequest(const AudioFormat &format,
+                                                               const SpeechOptions &) override {
+            speech_.requests.push_back(std::make_shared<LiveRequest>(format));
             return speech_.requests.back();
         }
         std::unique_ptr<SpeechTask> recognize(std::shared_ptr<SpeechBufferRequest>,
@@ -179,8 +179,7 @@ TEST_F(AudioThreadTest, EveryBufferReachesTheFileAndOneOfTheRequestsThatAreSwapp
     });
     while (!isOver) {
         if (requests.size() < 400)
-            requests.push_back(
-                std::make_shared<LiveRequest>(AudioFormat{16000, 1}, SpeechOptions()));
+            requests.push_back(std::make_shared<LiveRequest>(AudioFormat{16000, 1}));
         recording.setLiveRequest(requests.back());
         std::this_thread::yield();
     }

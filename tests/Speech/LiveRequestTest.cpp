@@ -26,7 +26,7 @@ namespace lorvane {
 namespace {
 
 TEST(LiveRequest, KeepsTheMeanOfTheChannels) {
-    LiveRequest request({48000, 2}, {});
+    LiveRequest request({48000, 2});
     const float frames[] = {0.25F, 0.75F, -1, 1};
     request.append({frames, 2, 2});
     const std::span<const float> samples = request.from(0);
@@ -36,7 +36,7 @@ TEST(LiveRequest, KeepsTheMeanOfTheChannels) {
 }
 
 TEST(LiveRequest, GivesWhatCameAfterAPosition) {
-    LiveRequest request({48000, 1}, {});
+    LiveRequest request({48000, 1});
     const float samples[] = {1, 2, 3};
     request.append({samples, 2, 1});
     request.append({samples + 2, 1, 1});
@@ -46,7 +46,7 @@ TEST(LiveRequest, GivesWhatCameAfterAPosition) {
 }
 
 TEST(LiveRequest, DropsWhatFindsNoRoom) {
-    LiveRequest request({100, 1}, {});
+    LiveRequest request({100, 1});
     std::vector<float> second(100);
     std::iota(second.begin(), second.end(), 0.F);
     for (int i = 0; i < 60; ++i)
@@ -56,7 +56,7 @@ TEST(LiveRequest, DropsWhatFindsNoRoom) {
 }
 
 TEST(LiveRequest, AllocatesNothingWhileItIsFed) {
-    LiveRequest request({48000, 2}, {});
+    LiveRequest request({48000, 2});
     std::vector<float> frames(4096);
     const int before = allocations;
     for (int i = 0; i < 1000; ++i)
@@ -65,7 +65,7 @@ TEST(LiveRequest, AllocatesNothingWhileItIsFed) {
 }
 
 TEST(LiveRequest, IgnoresBuffersWithoutSound) {
-    LiveRequest request({48000, 1}, {});
+    LiveRequest request({48000, 1});
     request.append({nullptr, 0, 1});
     request.append({nullptr, 10, 0});
     EXPECT_TRUE(request.from(0).empty());

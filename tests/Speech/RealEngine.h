@@ -28,13 +28,11 @@ public:
     }
     /// Lets so much time pass on the worker, and waits for what becomes due.
     void pass(std::chrono::seconds time) {
-        advance(time);
+        past_ = past_.load() + time;
         // Wakes it up; a job in front would interrupt what has been woken up already.
         worker.postInBackground({}, [](std::stop_source &) {});
         run([](const std::stop_token &) {});
     }
-    /// Lets so much time pass, from within a job too.
-    void advance(std::chrono::seconds time) { past_ = past_.load() + time; }
 
 private:
     std::unique_ptr<SpeechEngine> makeEngine() {
