@@ -13,9 +13,10 @@
 
 namespace lorvane {
 
-/// Runs models one at a time: what the user waits for first, other work in the time that is left.
-/// What runs in the background runs on a thread of low priority, so that capture and the screen
-/// are never held up by it. Any thread, from within a job too.
+/// A thread on which models are run: what the user waits for first, other work in the time that is
+/// left. Its priority is that of everything else: below it, another program that computes would
+/// starve the live text, and the end of a dictation, which waits for what is being done. Any
+/// thread, from within a job too.
 class RecognitionWorker {
 public:
     using TimePoint = std::chrono::steady_clock::time_point;
@@ -41,11 +42,7 @@ public:
     void postInBackground(TimePoint time, Job job);
 
 private:
-    /// The next job of one of the two threads, if it may run now.
-    Job take(bool isBackground);
-    /// Waits until that may have changed.
-    void wait(std::unique_lock<std::mutex> &lock, bool isBackground, const std::stop_token &stop);
-    void run(bool isBackground, const std::stop_token &stop);
+    void run(const std::stop_token &stop);
 
     Turns &turns_;
     const Urgency background_;
@@ -56,10 +53,8 @@ private:
     std::multimap<TimePoint, Job> backgroundJobs_;
     std::stop_source current_;
     std::atomic<Urgency> urgency_;
-    bool isBusy_ = false;
     bool currentIsBackground_ = false;
     std::jthread thread_;
-    std::jthread backgroundThread_;
 };
 
 } // namespace lorvane
