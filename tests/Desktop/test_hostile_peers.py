@@ -95,6 +95,7 @@ class HostilePeers(DesktopTest):
 
     def wait_until_read(self, connection):
         """Waits until Lorvane has read all that a connection has sent to the bus."""
+        answered = 0
         for name in call(connection, *BUS, "ListNames")[0]:
             try:
                 asked = GLib.Variant("(s)", (name,))
@@ -103,6 +104,8 @@ class HostilePeers(DesktopTest):
                 continue  # left meanwhile
             if process == self.lorvane.process.pid:
                 call(connection, name, "/", "org.freedesktop.DBus.Peer", "Ping", seconds=60)
+                answered += 1
+        self.assertGreater(answered, 0)
 
     def disguise(self, window, title):
         run("xprop", "-id", window, "-f", "_NET_WM_NAME", "8u", "-set", "_NET_WM_NAME", title,
